@@ -51,12 +51,12 @@ function(vexa_bundle_file source)
     add_custom_target(${target} ALL DEPENDS "${target_dir}/${name}")
 endfunction()
 
-# vexa_add_test(<name> LABELS <label>... [DISPLAY] [TIMEOUT <seconds>]
+# vexa_add_test(<name> LABELS <label>... [QT] [DISPLAY] [TIMEOUT <seconds>]
 #               [SOURCES <source>...] [LIBRARIES <library>...] [DEPENDS <target>...])
 # One test program, run by CTest. Its source is <name>.cpp unless SOURCES says otherwise.
-# DISPLAY: it gets an X server and a window manager of its own.
+# QT: it is a Qt Test program. DISPLAY: it gets an X server and a window manager of its own.
 function(vexa_add_test name)
-    cmake_parse_arguments(arg "DISPLAY" "TIMEOUT" "LABELS;SOURCES;LIBRARIES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(arg "QT;DISPLAY" "TIMEOUT" "LABELS;SOURCES;LIBRARIES;DEPENDS" ${ARGN})
     if(NOT arg_SOURCES)
         set(arg_SOURCES ${name}.cpp)
     endif()
@@ -68,6 +68,9 @@ function(vexa_add_test name)
     target_compile_definitions(${name} PRIVATE
         VEXA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
         VEXA_BUNDLE_DIR="${VEXAWORD_BUNDLE_DIR}")
+    if(arg_QT)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    endif()
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
