@@ -1,0 +1,119 @@
+// Start-up and end: resources, window, page, script bridge.
+#include "app/application.h"
+#include "app/resourcefolder.h"
+#include "process/procthread.h"
+#include "widgets/webwidget.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEvent>
+#include <QFile>
+#include <QProcess>
+#include <QTimer>
+#include <QUrl>
+#include <QWebFrame>
+#include <QWebPage>
+#include <QWebView>
+
+Application::Application(QObject* parent) : QObject(parent)
+{
+    const QString applicationFolder = QCoreApplication::applicationDirPath();
+    const QString ownResources = applicationFolder + QStringLiteral("/resources");
+
+    const InstalledResources installed = installResources(QDir::homePath(), applicationFolder);
+    setupInfo = installed.report;
+    resourcesPath = installed.folder;
+    if (!QFile::exists(resourcesPath + QStringLiteral("/webwidgets/templates.html")))
+        resourcesPath = ownResources;
+    appDirPath = applicationFolder;
+
+    // The set-up applet exists in the Mac's bundle only; it is started until it has left its
+    // marker.
+    if (!QFile::exists(applicationFolder + QStringLiteral("/setup.txt")))
+        QProcess::startDetached(
+            applicationFolder + QStringLiteral("/VexaSetup.app/Contents/MacOS/applet"), {});
+
+    makeMainWindow();
+    loadPage();
+    mainWindow->setVisible(true);
+}
+
+Application::~Application()
+{
+    // A thread must not be deleted while it runs, and no child shall outlive the program.
+    const auto runners = findChildren<procThread*>();
+    for (procThread* runner : runners) {
+        runner->stoprun();
+        runner->wait();
+    }
+}
+
+bool Application::cpDir(const QString& src, const QString& dst)
+{
+    return ::cpDir(src, dst);
+}
+
+bool Application::rmDir(const QString& path)
+{
+    return ::rmDir(path);
+}
+
+void Application::makeMainWindow()
+{
+    mainWindow = new webWidget(QStringLiteral("transparent opacity shadow"), nullptr);
+    mainWindow->setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
+    mainWindow->resize(500, 450);
+    mainWindow->setWindowTitle(QStringLiteral("Vexa Word"));
+    // After the window's own connection to this signal, so that the page has "QuilLet" first.
+    connect(mainWindow->webView()->page(), SIGNAL(loadFinished(bool)), this,
+            SLOT(pageLoaded(bool)));
+}
+
+void Application::loadPage()
+{
+    // The name under which the program is started chooses the page, never an argument.
+    const QString programPath = QCoreApplication::arguments().value(0);
+    const QString page = programPath.contains(QLatin1String("compat"))
+                             ? QStringLiteral("/webwidgets/templates_compat.html")
+                             : QStringLiteral("/webwidgets/templates.html");
+    mainWindow->webView()->load(QUrl(QStringLiteral("file:///") + resourcesPath + page));
+}
+
+void Application::pageLoaded(bool)
+{
+    if (!mainWindow)
+        return;
+    const QString name = QStringLiteral("Quillet");
+    QWebFrame* mainFrame = mainWindow->webView()->page()->mainFrame();
+    mainFrame->addToJavaScriptWindowObject(name, this);
+    const QList<QWebFrame*> frames = mainFrame->childFrames();
+    for (QWebFrame* frame : frames)
+        frame->addToJavaScriptWindowObject(name, this);
+    if (!setupInfo.isEmpty())
+        mainFrame->evaluateJavaScript(QStringLiteral("showsetupinfo(\"") + setupInfo +
+                                      QStringLiteral("\");"));
+}
+
+void Application::evaluateInPage(const QString& script)
+{
+    if (mainWindow)
+        mainWindow->webView()->page()->mainFrame()->evaluateJavaScript(script);
+}
+
+void Application::quit()
+{
+    if (mainWindow) {
+        // The call may come from an event handler of the page, through which the view must live.
+        retiredViews.emplace_back(mainWindow->releaseWebView());
+        delete mainWindow;
+    }
+    mainWindow = nullptr;
+    QTimer::singleShot(0, QCoreApplication::instance(), SLOT(quit()));
+}
+
+bool Application::event(QEvent* event)
+{
+    if (event->type() == QEvent::DeferredDelete)
+        return true;
+    return QObject::event(event);
+}
