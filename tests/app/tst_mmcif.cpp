@@ -1,0 +1,113 @@
+// isMmCifText
+#include "app/mmcif.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+class tst_MmCif : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void recognition_data();
+    void recognition();
+    void everyMarkerAlone_data();
+    void everyMarkerAlone();
+    void realFiles();
+};
+
+void tst_MmCif::recognition_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isMmCif");
+
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("small molecule") << "data_I\n_cell_length_a 5.0\n" << false;
+    QTest::newRow("marker as the very last characters") << "data_x\n_entity." << true;
+    QTest::newRow("last characters cut by one") << "data_x\n_entity" << false;
+    QTest::newRow("capital letters, item behind it") << "_ENTITY.ID 1" << true;
+    QTest::newRow("mixed case") << "_Cell.Entry_Id 1ABC" << true;
+    QTest::newRow("only entity_poly") << "_entity_poly.entity_id 1\n_entity_poly.type x" << false;
+    QTest::newRow("symmetry alone") << "_symmetry.entry_id 1ABC" << false;
+    QTest::newRow("crystal growth alone") << "_exptl_crystal_grow.crystal_id 1\n"
+                                             "_exptl_crystal_grow.method x"
+                                          << false;
+    QTest::newRow("both, apart") << "_exptl_crystal_grow.crystal_id 1\n_symmetry.entry_id 1"
+                                 << false;
+    QTest::newRow("run together") << "_exptl_crystal_grow._symmetry.entry_id" << true;
+    QTest::newRow("in a comment") << "data_I\n# see _cell.entry_id\n_cell_length_a 5" << true;
+    QTest::newRow("in a text field") << "_publ_section_comment\n;\nabout _cell.entry_id\n;\n"
+                                     << true;
+    QTest::newRow("beginning of a longer name") << "_diffrn.identifier 1" << true;
+    QTest::newRow("after a zero character") << QString(QChar(0)) + "_entity.id" << true;
+    QTest::newRow("broken by a line end") << "_entity\n.id" << false;
+}
+
+void tst_MmCif::recognition()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, isMmCif);
+    QCOMPARE(isMmCifText(text), isMmCif);
+    if (isMmCif)
+        QVERIFY(isMmCifText(QString(100000, QLatin1Char('_')) + text.toUpper()));
+}
+
+void tst_MmCif::everyMarkerAlone_data()
+{
+    QTest::addColumn<QString>("marker");
+    for (const char* marker : {"_refine_B_iso.class",
+                               "_refine_ls_shell.entry_id",
+                               "_refine.entry_id",
+                               "_pdbx_phasing_MR.",
+                               "_phasing_MIR_der.",
+                               "_phasing_MIR.",
+                               "_phasing_MAD_clust.",
+                               "_phasing_MAD_set.",
+                               "_phasing_MAD.entry_id",
+                               "_phasing_set.id",
+                               "_computing.entry_id",
+                               "_reflns.entry_id",
+                               "_diffrn.id",
+                               "_diffrn_source.diffrn_id",
+                               "_diffrn_measurement.diffrn_id",
+                               "_diffrn_detector.diffrn_id",
+                               "_diffrn_radiation.diffrn_id",
+                               "_cell.entry_id",
+                               "_exptl_crystal_grow._symmetry.entry_id",
+                               "_pdbx_exptl_crystal_grow_sol.",
+                               "_pdbx_exptl_crystal_grow_comp.",
+                               "_pdbx_exptl_crystal_cryo_treatment.",
+                               "_struct_keywords.",
+                               "_struct_biol.",
+                               "_pdbx_entity_prod_protocol.",
+                               "_entity_src_nat.",
+                               "_entity_src_gen.",
+                               "_entity."})
+        QTest::newRow(marker) << marker;
+}
+
+void tst_MmCif::everyMarkerAlone()
+{
+    QFETCH(QString, marker);
+    QVERIFY(isMmCifText(QStringLiteral("data_x\n") + marker));
+    QVERIFY(!isMmCifText(QStringLiteral("data_x\n") + marker.chopped(1)));
+}
+
+void tst_MmCif::realFiles()
+{
+    const QDir collection(qEnvironmentVariable("VEXA_CIF_COLLECTION"));
+    if (!collection.exists(QStringLiteral("MANIFEST.md")))
+        QSKIP("skipped: no CIF collection here");
+    const auto isMmCif = [&](const char* name) {
+        QFile file(collection.filePath(QLatin1String(name)));
+        return file.open(QIODevice::ReadOnly) && isMmCifText(QString::fromUtf8(file.readAll()));
+    };
+    QVERIFY(isMmCif("mx-xray/5i55.cif"));
+    QVERIFY(isMmCif("sascif/SASDCG7.sascif"));
+    QVERIFY(!isMmCif("small-molecule/2242624.cif"));
+    QVERIFY(!isMmCif("syntax/empty.cif"));
+}
+
+QTEST_GUILESS_MAIN(tst_MmCif)
+#include "tst_mmcif.moc"
