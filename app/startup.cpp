@@ -15,6 +15,8 @@
 #include <QWebPage>
 #include <QWebView>
 
+#include <utility>
+
 Application::Application(QObject* parent) : QObject(parent)
 {
     const QString applicationFolder = QCoreApplication::applicationDirPath();
@@ -102,12 +104,12 @@ void Application::evaluateInPage(const QString& script)
 
 void Application::quit()
 {
-    if (mainWindow) {
+    // Null first: the page may hear of its window going away, and call again.
+    if (webWidget* window = std::exchange(mainWindow, nullptr)) {
         // The call may come from an event handler of the page, through which the view must live.
-        retiredViews.emplace_back(mainWindow->releaseWebView());
-        delete mainWindow;
+        retiredViews.emplace_back(window->releaseWebView());
+        delete window;
     }
-    mainWindow = nullptr;
     QTimer::singleShot(0, QCoreApplication::instance(), SLOT(quit()));
 }
 

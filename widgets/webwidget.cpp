@@ -140,6 +140,8 @@ QWebView* webWidget::releaseWebView()
     view = nullptr;
     if (released) {
         disconnect(released->page(), nullptr, this, nullptr);
+        // Hiding a view with the focus would pass it on through the page, which may just be handling a key.
+        released->clearFocus();
         released->hide();
         released->setParent(nullptr);
     }

@@ -31,4 +31,15 @@ QVariant evaluate(QWebView& view, const QString& script)
 {
     return view.page()->mainFrame()->evaluateJavaScript(script);
 }
+
+QPoint screenPositionOf(QWebView& view, const QString& selector)
+{
+    const QVariantList middle =
+        evaluate(view, QStringLiteral("(function () { var box = document.querySelector('%1')."
+                                      "getBoundingClientRect(); return [box.left + box.width / 2,"
+                                      " box.top + box.height / 2]; })()")
+                           .arg(selector))
+            .toList();
+    return view.mapToGlobal(QPoint(middle.value(0).toInt(), middle.value(1).toInt()));
+}
 } // namespace webpages

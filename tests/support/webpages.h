@@ -1,6 +1,7 @@
 // Pages for tests: loading, waiting, asking.
 #pragma once
 
+#include <QPoint>
 #include <QString>
 #include <QVariant>
 
@@ -16,4 +17,6 @@ bool load(QWebView& view, const QString& path);
 
 // The value of a script in the main frame.
 QVariant evaluate(QWebView& view, const QString& script);
+// Where on the screen the middle of the first element is that a CSS selector finds.
+QPoint screenPositionOf(QWebView& view, const QString& selector);
 } // namespace webpages

@@ -1,0 +1,7 @@
+#include <QTest>
+class X : public QObject
+{
+    Q_OBJECT
+};
+QTEST_MAIN(X)
+#include "tst_cifintake.moc"
