@@ -34,7 +34,7 @@ bool waitForPage(const Application& application)
 }
 
 // Runs the event loop until the program ends by itself; false when it does not.
-bool runToTheEnd(int seconds = 20)
+bool runToTheEnd(int seconds = 60)
 {
     QTimer limit;
     QObject::connect(&limit, &QTimer::timeout, qApp, [] { QCoreApplication::exit(99); });
