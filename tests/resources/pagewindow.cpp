@@ -134,7 +134,13 @@ bool PageWindow::load(const QString& name, bool publishNow)
     show();
     if (!loaded.wait(10000) || !loaded.first().first().toBool())
         return false;
-    if (!QTest::qWaitForWindowActive(this))
+    // Asked for again and again: a window manager that starts after the window was shown does not
+    // activate it by itself.
+    if (!QTest::qWaitFor([this] {
+            if (!isActiveWindow())
+                activateWindow();
+            return isActiveWindow();
+        }))
         return false;
     webView->setFocus();
     if (!publishNow)
@@ -260,7 +266,8 @@ void PageWindow::photograph(const QString& name)
     QDir().mkpath(VEXA_SCREENSHOT_DIR);
     // One turn of the event loop, for styles that are still to be applied.
     QCoreApplication::processEvents();
-    QImage picture(size(), QImage::Format_RGB32);
+    QImage picture(size() * devicePixelRatio(), QImage::Format_RGB32);
+    picture.setDevicePixelRatio(devicePixelRatio());
     picture.fill(QColor(0x5b, 0x7f, 0x8c)); // some desktop
     QPainter painter(&picture);
     painter.drawPixmap(0, 0, grab());
