@@ -72,12 +72,13 @@ Vexa.manuscript = (function () {
     }
 
     function render() {
-        var problem = rules.makeProblem(state);
-        view.allow('make-manuscript', problem);
+        var ready = state.making || !rules.makeProblem(state) ||
+            (!rules.openProblem(state) && !rules.madeFromCif(state));
+        view.allow('make-manuscript', rules.makeProblem(state));
         view.allow('open-template', rules.openProblem(state));
         view.show('making', state.making);
         renderHint();
-        view.stepState('step-manuscript', problem && !state.making ? 'later' : 'now');
+        view.stepState('step-manuscript', ready ? 'now' : 'later');
     }
 
     function start(sharedState) {

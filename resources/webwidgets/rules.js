@@ -89,6 +89,11 @@ Vexa.rules = (function () {
         return state.journal ? '' : 'Choose a journal first.';
     }
 
+    // Whether the chosen article is one that is made from a CIF at all.
+    function madeFromCif(state) {
+        return state.journal.generates !== 'nothing' && state.category.fromCif;
+    }
+
     function makeProblem(state) {
         if (openProblem(state)) {
             return openProblem(state);
@@ -129,6 +134,7 @@ Vexa.rules = (function () {
         fileProblem: fileProblem,
         saveProblem: saveProblem,
         openProblem: openProblem,
+        madeFromCif: madeFromCif,
         makeProblem: makeProblem,
         makeDoubt: makeDoubt
     };

@@ -1,12 +1,12 @@
 // The ready-made articles and the list of journals that the page offers, as they lie in the bundle.
+#include "bundlefiles.h"
+
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QtTest>
 #include <QXmlStreamReader>
 
@@ -15,12 +15,6 @@ namespace
 
 const QString resources = QStringLiteral(VEXA_BUNDLE_DIR "/resources");
 const QString webwidgets = resources + "/webwidgets";
-
-QByteArray fileBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // The value of the one variable in journals.js.
 QJsonArray journals()
@@ -79,15 +73,6 @@ void articleRows()
             }
         }
     }
-}
-
-QStringList captures(const QString& text, const QString& pattern)
-{
-    QStringList found;
-    QRegularExpressionMatchIterator matches = QRegularExpression(pattern).globalMatch(text);
-    while (matches.hasNext())
-        found << matches.next().captured(1);
-    return found;
 }
 
 QString article(const QString& file)

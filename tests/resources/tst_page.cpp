@@ -561,6 +561,7 @@ void TestPage::manuscriptNeedsAStructure()
     QVERIFY(!page.isEnabled("make-manuscript"));
     QVERIFY(page.isEnabled("open-template"));
     QVERIFY(page.text("manuscript-hint").startsWith("Choose or fetch a CIF"));
+    QCOMPARE(page.element("step-manuscript").attribute("data-state"), QString("later"));
     page.choose("journal", "VexaJ");
     QVERIFY(page.text("manuscript-hint").contains("only the ready-made template"));
     page.choose("journal", "Journal Section D");
@@ -668,6 +669,7 @@ void TestPage::templateOpensWithoutACif()
     PageWindow& page = open();
     page.choose("journal", "VexaJ");
     page.choose("category", "Topical reviews");
+    QCOMPARE(page.element("step-manuscript").attribute("data-state"), QString("now"));
     photograph("template-only");
     page.click("open-template");
     QCOMPARE(page.program.calls, QStringList("openWordTemplate(, VexaJ, topical reviews, )"));

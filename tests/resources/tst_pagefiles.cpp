@@ -1,8 +1,8 @@
 // What can be told of the page from its files alone: they are complete, they ask for nothing from
 // the network, and they keep to what the web engine understands.
+#include "bundlefiles.h"
+
 #include <QDir>
-#include <QFile>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace
@@ -12,17 +12,7 @@ const QDir webwidgets(VEXA_BUNDLE_DIR "/resources/webwidgets");
 
 QString content(const QString& name)
 {
-    QFile file(webwidgets.filePath(name));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-QStringList captures(const QString& text, const char* pattern)
-{
-    QStringList found;
-    QRegularExpressionMatchIterator matches = QRegularExpression(pattern).globalMatch(text);
-    while (matches.hasNext())
-        found << matches.next().captured(1);
-    return found;
+    return QString::fromUtf8(fileBytes(webwidgets.filePath(name)));
 }
 
 QString withoutComments(QString script)
