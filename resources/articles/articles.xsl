@@ -175,7 +175,7 @@
 
   <xsl:template match="tables/table">
     <xsl:param name="number"/>
-    <table>
+    <table width="100%">
       <xsl:text>&#10;</xsl:text>
       <caption>Table <xsl:value-of select="concat($number, '. ', @caption)"/></caption>
       <xsl:text>&#10;</xsl:text>
