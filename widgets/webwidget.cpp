@@ -129,9 +129,8 @@ void webWidget::preparePage()
     view->setAttribute(Qt::WA_OpaquePaintEvent, false);
     setAttribute(Qt::WA_TranslucentBackground, true);
 
-    // A dropped file would replace the page by its own text, and so would a menu entry "Reload".
+    // A dropped file would replace the page by its own text.
     view->setAcceptDrops(false);
-    view->setContextMenuPolicy(Qt::NoContextMenu);
 }
 
 QWebView* webWidget::releaseWebView()
