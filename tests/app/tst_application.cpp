@@ -218,7 +218,7 @@ void tst_Application::incompleteCopyFallsBackToTheProgramsResources()
     QVERIFY(QDir().mkpath(sandbox->local()));
     QVERIFY(sandbox::writeFile(sandbox->local("macscrlaunch"), "marker"));
     Application application;
-    QCOMPARE(application.resourcesPath, ApplicationSandbox::inApp("resources"));
+    QCOMPARE(application.resourcesPath, sandbox->inApp("resources"));
     QVERIFY(waitForPage(application));
     // The copy had its marker, but no script for Word.
     QCOMPARE(
@@ -229,9 +229,9 @@ void tst_Application::incompleteCopyFallsBackToTheProgramsResources()
 
 void tst_Application::nothingAnywhereStillStarts()
 {
-    QVERIFY(QDir(ApplicationSandbox::inApp("resources")).removeRecursively());
+    QVERIFY(QDir(sandbox->inApp("resources")).removeRecursively());
     Application application;
-    QCOMPARE(application.resourcesPath, ApplicationSandbox::inApp("resources"));
+    QCOMPARE(application.resourcesPath, sandbox->inApp("resources"));
     QCOMPARE(application.setupInfo.count(QStringLiteral("ERROR:")), 2);
     QVERIFY(application.mainWindow->isVisible());
     QVERIFY(waitForPage(application)); // an empty document still gets the objects
@@ -239,8 +239,8 @@ void tst_Application::nothingAnywhereStillStarts()
 
 void tst_Application::setupAppletRunsWithoutItsMarker()
 {
-    QVERIFY(QFile::remove(ApplicationSandbox::inApp("setup.txt")));
-    const QString applet = ApplicationSandbox::inApp("VexaSetup.app/Contents/MacOS/applet");
+    QVERIFY(QFile::remove(sandbox->inApp("setup.txt")));
+    const QString applet = sandbox->inApp("VexaSetup.app/Contents/MacOS/applet");
     QVERIFY(sandbox::writeFile(applet, "#!/bin/sh\necho \"$#\" >>\"$HOME/applet.calls\"\n"));
     QVERIFY(QFile::setPermissions(applet, QFile::ReadOwner | QFile::ExeOwner));
     for (int start = 1; start <= 2; ++start) {
@@ -248,12 +248,12 @@ void tst_Application::setupAppletRunsWithoutItsMarker()
         QTRY_COMPARE(sandbox::readFile(sandbox->inHome("applet.calls")),
                      QByteArray("0\n").repeated(start));
     }
-    QVERIFY(!QFile::exists(ApplicationSandbox::inApp("setup.txt")));
+    QVERIFY(!QFile::exists(sandbox->inApp("setup.txt")));
 }
 
 void tst_Application::setupAppletDoesNotRunWithItsMarker()
 {
-    const QString applet = ApplicationSandbox::inApp("VexaSetup.app/Contents/MacOS/applet");
+    const QString applet = sandbox->inApp("VexaSetup.app/Contents/MacOS/applet");
     QVERIFY(sandbox::writeFile(applet, "#!/bin/sh\n: >\"$HOME/applet.calls\"\n"));
     QVERIFY(QFile::setPermissions(applet, QFile::ReadOwner | QFile::ExeOwner));
     Application application;
@@ -265,7 +265,7 @@ void tst_Application::setupAppletDoesNotRunWithItsMarker()
 
 void tst_Application::staticFolderOperations()
 {
-    QVERIFY(Application::cpDir(ApplicationSandbox::inApp("resources"), sandbox->inHome("copy")));
+    QVERIFY(Application::cpDir(sandbox->inApp("resources"), sandbox->inHome("copy")));
     QVERIFY(QFile::exists(sandbox->inHome("copy/webwidgets/templates.html")));
     QVERIFY(Application::rmDir(sandbox->inHome("copy")));
     QVERIFY(!QFile::exists(sandbox->inHome("copy")));
@@ -321,9 +321,8 @@ void tst_Application::windowObjectComesFirst()
 
 void tst_Application::directChildFramesReachTheController()
 {
-    QVERIFY(sandbox::writeFile(ApplicationSandbox::inApp("resources/webwidgets/inner.html"),
-                               "<p>inner"));
-    QVERIFY(sandbox::writeFile(ApplicationSandbox::inApp("resources/webwidgets/middle.html"),
+    QVERIFY(sandbox::writeFile(sandbox->inApp("resources/webwidgets/inner.html"), "<p>inner"));
+    QVERIFY(sandbox::writeFile(sandbox->inApp("resources/webwidgets/middle.html"),
                                "<iframe src='inner.html'></iframe>"));
     sandbox->setPage(
         QStringLiteral("<iframe src='inner.html'></iframe><iframe src='middle.html'></iframe>"));

@@ -106,16 +106,7 @@ void tst_TemplateGeneration::cleanup()
 
 QByteArray tst_TemplateGeneration::expectedScript(const QString& htmlPath) const
 {
-    return "tell application \"System Events\"\nactivate\n"
-           "if not (UI elements enabled) then set (UI elements enabled) to true\n\tend tell\n"
-           "tell application \"Microsoft Word\"\n    activate\n"
-           "    create new document attached template (POSIX file \"" +
-           QCoreApplication::applicationDirPath().toUtf8() +
-           "/vexainkworks_wm.dotm\") as string\n    delay 1\n"
-           "    insert file at text object of selection file name (POSIX file \"" +
-           htmlPath.toUtf8() +
-           "\") as string\n"
-           "    run VB macro macro name \"Vexa_authors.VexaM_setInitialXmlData\"\nend tell\n";
+    return sandbox::launchScript(QCoreApplication::applicationDirPath(), htmlPath);
 }
 
 bool tst_TemplateGeneration::nothingHappened() const
@@ -345,14 +336,14 @@ void tst_TemplateGeneration::aZeroByteEndsTheOutput()
 
 void tst_TemplateGeneration::missingQuilletDoesNothing()
 {
-    QVERIFY(QFile::remove(ApplicationSandbox::inApp("quillet")));
+    QVERIFY(QFile::remove(sandbox->inApp("quillet")));
     application->createWordTemplate(QString(), QStringLiteral("Section D"), QStringLiteral("x"));
     QVERIFY(nothingHappened());
 }
 
 void tst_TemplateGeneration::quilletThatCannotBeExecutedDoesNothing()
 {
-    QVERIFY(QFile::setPermissions(ApplicationSandbox::inApp("quillet"), QFile::ReadOwner));
+    QVERIFY(QFile::setPermissions(sandbox->inApp("quillet"), QFile::ReadOwner));
     application->createWordTemplate(QString(), QStringLiteral("Section D"), QStringLiteral("x"));
     QVERIFY(nothingHappened());
 }
@@ -412,7 +403,7 @@ void tst_TemplateGeneration::unwritableFilesAreSkipped()
 
 void tst_TemplateGeneration::missingOsascriptStillCloses()
 {
-    QVERIFY(QFile::remove(ApplicationSandbox::inApp("osascript")));
+    QVERIFY(QFile::remove(sandbox->inApp("osascript")));
     application->createWordTemplate(QString(), QStringLiteral("Section D"), QStringLiteral("x"));
     QVERIFY(!application->mainWindow->isVisible());
     QCOMPARE(html(), QByteArray("<p>article</p>"));

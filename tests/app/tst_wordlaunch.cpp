@@ -58,8 +58,7 @@ void tst_WordLaunch::init()
     sandbox = std::make_unique<ApplicationSandbox>();
     for (const char* name : {"d_researchpapers", "f_researchcommunications", "s_x", "c_x_sas"})
         QVERIFY(sandbox::writeFile(
-            ApplicationSandbox::inApp(
-                QStringLiteral("resources/webwidgets/%1.html").arg(QLatin1String(name))),
+            sandbox->inApp(QStringLiteral("resources/webwidgets/%1.html").arg(QLatin1String(name))),
             "x"));
     application = std::make_unique<Application>();
 }
@@ -132,17 +131,17 @@ void tst_WordLaunch::theTemplateChosen()
     QFETCH(QString, type);
     QFETCH(QString, name);
     open(jnl, cat, type);
-    QCOMPARE(inserted(), ApplicationSandbox::inApp("resources/webwidgets/") + name);
+    QCOMPARE(inserted(), sandbox->inApp("resources/webwidgets/") + name);
 }
 
 void tst_WordLaunch::theTemplateIsLookedForInTheUsersCopy()
 {
     QVERIFY(sandbox::writeFile(sandbox->local("webwidgets/d_onlyhere.html"), "x"));
     open("Section D", "Only Here");
-    QCOMPARE(inserted(), ApplicationSandbox::inApp("resources/webwidgets/d_onlyhere.html"));
+    QCOMPARE(inserted(), sandbox->inApp("resources/webwidgets/d_onlyhere.html"));
     QVERIFY(QFile::remove(sandbox->local("webwidgets/d_researchpapers.html")));
     open("Section D", "Research Papers");
-    QCOMPARE(inserted(), ApplicationSandbox::inApp("resources/webwidgets/abcdfjsm.html"));
+    QCOMPARE(inserted(), sandbox->inApp("resources/webwidgets/abcdfjsm.html"));
 }
 
 void tst_WordLaunch::wtemplateMakesNoDifference()
@@ -240,13 +239,13 @@ void tst_WordLaunch::anUnwritableScriptIsStartedAsItIs()
 
 void tst_WordLaunch::runningFromTheProgramsOwnResources()
 {
-    application->resourcesPath = ApplicationSandbox::inApp("resources");
+    application->resourcesPath = sandbox->inApp("resources");
     open("Section D", "Research Papers");
-    QVERIFY(sandbox::readFile(ApplicationSandbox::inApp("resources/publauthors/macstart.xml"))
+    QVERIFY(sandbox::readFile(sandbox->inApp("resources/publauthors/macstart.xml"))
                 .startsWith(xmlOpening));
     QVERIFY(sandbox->waitForOsascript());
     QVERIFY(sandbox->osascriptCalls().at(0).endsWith(
-        QStringLiteral(" <%1>").arg(ApplicationSandbox::inApp("resources/macscrlaunch"))));
+        QStringLiteral(" <%1>").arg(sandbox->inApp("resources/macscrlaunch"))));
 }
 
 void tst_WordLaunch::severalLaunches()

@@ -8,32 +8,34 @@
 
 namespace
 {
-const QStringList appEntries = {QStringLiteral("resources"), QStringLiteral("setup.txt"),
+const QStringList ownEntries = {QStringLiteral("resources"), QStringLiteral("setup.txt"),
                                 QStringLiteral("quillet"), QStringLiteral("osascript"),
                                 QStringLiteral("VexaSetup.app")};
 
-void clearApp()
+void remove(const QString& path)
 {
-    for (const QString& entry : appEntries) {
-        const QString path = ApplicationSandbox::inApp(entry);
-        if (QFileInfo(path).isDir())
-            QDir(path).removeRecursively();
-        else
-            QFile::remove(path);
-    }
+    if (QFileInfo(path).isDir())
+        QDir(path).removeRecursively();
+    else
+        QFile::remove(path);
 }
 
-void writeStandIn(const QString& name, const QString& record, const QString& script)
+// The call is written in one piece, so that calls at the same time do not mix.
+void writeStandIn(const QString& path, const QString& record, const QString& script)
 {
-    const QString path = ApplicationSandbox::inApp(name);
-    QFile::remove(path);
-    // The call is written in one piece, so that calls at the same time do not mix.
     const QString text = QStringLiteral("#!/bin/sh\n"
                                         "call=$PWD; for word; do call=\"$call <$word>\"; done\n"
                                         "printf '%s\\n' \"$call\" >>\"$HOME/") +
                          record + QStringLiteral("\"\n") + script + QLatin1Char('\n');
+    QFile::remove(path);
     sandbox::writeFile(path, text.toUtf8());
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+// Written as UTF-8 bytes that are characters, which are written in UTF-8 again.
+QByteArray encodedTwice(const QString& text)
+{
+    return QString::fromLatin1(text.toUtf8()).toUtf8();
 }
 } // namespace
 
@@ -51,12 +53,27 @@ QByteArray readFile(const QString& path)
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
+
+QByteArray launchScript(const QString& appFolder, const QString& htmlPath)
+{
+    return "tell application \"System Events\"\nactivate\n"
+           "if not (UI elements enabled) then set (UI elements enabled) to true\n\tend tell\n"
+           "tell application \"Microsoft Word\"\n    activate\n"
+           "    create new document attached template (POSIX file \"" +
+           encodedTwice(appFolder) +
+           "/vexainkworks_wm.dotm\") as string\n    delay 1\n"
+           "    insert file at text object of selection file name (POSIX file \"" +
+           encodedTwice(htmlPath) +
+           "\") as string\n"
+           "    run VB macro macro name \"Vexa_authors.VexaM_setInitialXmlData\"\nend tell\n";
+}
 } // namespace sandbox
 
-ApplicationSandbox::ApplicationSandbox() : previousHome(qgetenv("HOME"))
+ApplicationSandbox::ApplicationSandbox() : appPath(QCoreApplication::applicationDirPath())
 {
-    qputenv("HOME", QFile::encodeName(homeFolder.path()));
-    clearApp();
+    enterHome(QStringLiteral("home"));
+    for (const QString& entry : ownEntries)
+        remove(inApp(entry));
     sandbox::writeFile(inApp(QStringLiteral("setup.txt")), "done\n");
     sandbox::writeFile(inApp(QStringLiteral("resources/macscrlaunch")), "as installed\n");
     sandbox::writeFile(inApp(QStringLiteral("resources/Vexa.scpt")), "script\n");
@@ -67,15 +84,26 @@ ApplicationSandbox::ApplicationSandbox() : previousHome(qgetenv("HOME"))
     setOsascript(QString());
 }
 
+ApplicationSandbox::ApplicationSandbox(const QString& appName, const QString& homeName)
+    : appPath(scratch.filePath(appName))
+{
+    QDir().mkpath(appPath);
+    enterHome(homeName);
+}
+
 ApplicationSandbox::~ApplicationSandbox()
 {
-    clearApp();
+    for (const QString& entry : ownEntries)
+        remove(inApp(entry));
     qputenv("HOME", previousHome);
 }
 
-QString ApplicationSandbox::inApp(const QString& path)
+void ApplicationSandbox::enterHome(const QString& name)
 {
-    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + path;
+    homePath = scratch.filePath(name);
+    QDir().mkpath(homePath);
+    previousHome = qgetenv("HOME");
+    qputenv("HOME", QFile::encodeName(homePath));
 }
 
 QString ApplicationSandbox::local(const QString& path) const
@@ -97,12 +125,12 @@ void ApplicationSandbox::setPage(const QString& body) const
 
 void ApplicationSandbox::setQuillet(const QString& script) const
 {
-    writeStandIn(QStringLiteral("quillet"), QStringLiteral("quillet.calls"), script);
+    writeStandIn(inApp(QStringLiteral("quillet")), QStringLiteral("quillet.calls"), script);
 }
 
 void ApplicationSandbox::setOsascript(const QString& script) const
 {
-    writeStandIn(QStringLiteral("osascript"), QStringLiteral("osascript.calls"), script);
+    writeStandIn(inApp(QStringLiteral("osascript")), QStringLiteral("osascript.calls"), script);
 }
 
 QStringList ApplicationSandbox::calls(const QString& record) const

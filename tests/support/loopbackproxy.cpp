@@ -5,7 +5,7 @@
 LoopbackProxy::LoopbackProxy()
 {
     server.listen(QHostAddress::LocalHost);
-    qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(server.serverPort()));
+    qputenv("http_proxy", url().toLatin1());
     connect(&server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* socket = server.nextPendingConnection()) {
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
@@ -17,6 +17,11 @@ LoopbackProxy::LoopbackProxy()
 LoopbackProxy::~LoopbackProxy()
 {
     qunsetenv("http_proxy");
+}
+
+QString LoopbackProxy::url() const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(server.serverPort());
 }
 
 LoopbackProxy::Answer LoopbackProxy::page(const QByteArray& body, const QByteArray& status,

@@ -29,6 +29,9 @@ public:
     LoopbackProxy();
     ~LoopbackProxy() override;
 
+    // Its own address, without a slash at the end.
+    QString url() const;
+
     // A complete answer with status line, length and body.
     static Answer page(const QByteArray& body, const QByteArray& status = "200 OK",
                        const QByteArray& extraHeader = QByteArray());
