@@ -1,0 +1,99 @@
+#include "desk.h"
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+namespace
+{
+
+const QString bundle = QStringLiteral(VEXA_BUNDLE_DIR);
+constexpr int longestRun = 100000; // milliseconds
+
+QString sharedCache()
+{
+    static const QTemporaryDir folder;
+    return folder.path();
+}
+
+} // namespace
+
+Desk::Desk()
+{
+    QDir().mkpath(home());
+    environment = QProcessEnvironment::systemEnvironment();
+    for (const char* variable :
+         {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR",
+          "XDG_CONFIG_HOME", "XDG_STATE_HOME", "VEXAWORD_OFFICE", "VEXAWORD_OPEN_DOCUMENT"})
+        environment.remove(QLatin1String(variable));
+    environment.insert(QStringLiteral("HOME"), home());
+    environment.insert(QStringLiteral("XDG_CACHE_HOME"), sharedCache());
+    writeScript(bundle + QStringLiteral("/vexainkworks_wm.dotm"), articlePath());
+}
+
+QString Desk::resources() const
+{
+    return home() + QStringLiteral("/Library/Application Support/VexaWord/resources201");
+}
+
+void Desk::writeArticle(const QByteArray& html)
+{
+    writeFile(articlePath(), html);
+}
+
+void Desk::writeMetadata(const QString& xml)
+{
+    writeFile(metadataPath(), encodedTwice(xml));
+}
+
+void Desk::writeScript(const QString& templatePath, const QString& article)
+{
+    const QString script = QStringLiteral(
+        "tell application \"System Events\"\nactivate\n"
+        "if not (UI elements enabled) then set (UI elements enabled) to true\n\tend tell\n"
+        "tell application \"Microsoft Word\"\n    activate\n"
+        "    create new document attached template (POSIX file \"%1\") as string\n    delay 1\n"
+        "    insert file at text object of selection file name (POSIX file \"%2\") as string\n"
+        "    run VB macro macro name \"Vexa_authors.VexaM_setInitialXmlData\"\nend tell\n");
+    writeFile(scriptPath(), encodedTwice(script.arg(templatePath, article)));
+}
+
+RunResult Desk::run()
+{
+    return run({scriptPath()});
+}
+
+RunResult Desk::run(const QStringList& arguments)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(bundle + QStringLiteral("/osascript"), arguments);
+    RunResult run;
+    EXPECT_TRUE(process.waitForFinished(longestRun)) << "osascript did not end";
+    run.exitCode = process.exitCode();
+    run.output = QString::fromUtf8(process.readAllStandardOutput());
+    run.errors = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+void writeFile(const QString& path, const QByteArray& content)
+{
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    ASSERT_EQ(file.write(content), content.size());
+}
+
+QByteArray encodedTwice(const QString& text)
+{
+    return QString::fromLatin1(text.toUtf8()).toUtf8();
+}
+
+QString textOf(const wordbridge::Package& package, const char* part)
+{
+    const QByteArray* content = package.find(QLatin1String(part));
+    EXPECT_NE(content, nullptr) << part;
+    return content ? QString::fromUtf8(*content) : QString();
+}

@@ -1,0 +1,60 @@
+// A home folder with what the program leaves in it when it starts osascript, and the run itself.
+#pragma once
+
+#include "wordbridge/package.h"
+
+#include <QByteArray>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QTemporaryDir>
+
+struct RunResult {
+    int exitCode = -1;
+    QString output; // standard output
+    QString errors; // standard error
+
+    // The one line of standard output: the path of the manuscript.
+    QString document() const { return output.trimmed(); }
+};
+
+class Desk
+{
+public:
+    Desk();
+
+    // The home folder. Its name holds a blank and letters beyond ASCII.
+    QString home() const { return m_folder.path() + QStringLiteral("/Ana Łoś é"); }
+    QString resources() const;
+    QString scriptPath() const { return resources() + QStringLiteral("/macscrlaunch"); }
+    QString metadataPath() const
+    {
+        return resources() + QStringLiteral("/publauthors/macstart.xml");
+    }
+
+    // Write the three files as the program does.
+    void writeArticle(const QByteArray& html);
+    void writeMetadata(const QString& xml);
+    void writeScript(const QString& templatePath, const QString& articlePath);
+
+    // Runs the bundle's osascript on the script; without a display unless the environment names
+    // one.
+    RunResult run();
+    RunResult run(const QStringList& arguments);
+
+    // Of the runs. A profile of LibreOffice in the cache is shared by all desks of a test program.
+    QProcessEnvironment environment;
+
+    QString articlePath() const { return resources() + QStringLiteral("/webwidgets/tmptemp.html"); }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+// Writes a file, making its folder.
+void writeFile(const QString& path, const QByteArray& content);
+
+// Text encoded as the program encodes the files for Word: twice.
+QByteArray encodedTwice(const QString& text);
+
+// A part of a Word document as text.
+QString textOf(const wordbridge::Package& package, const char* part);

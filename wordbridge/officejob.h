@@ -1,0 +1,43 @@
+// One run of LibreOffice: from the template, the article and the macro to a Word document.
+#pragma once
+
+#include "wordbridge/officeprofile.h"
+
+#include <chrono>
+#include <optional>
+#include <QString>
+#include <QStringList>
+
+namespace wordbridge
+{
+
+struct OfficeJob {
+    QString templatePath;
+    QString articlePath;  // OpenDocument text; empty: nothing is inserted
+    QString macro;        // MODULE.MACRO of the template; empty: none is run
+    QString metadataPath; // for the macro; the file need not exist
+    QString outputPath;   // of the .docx
+    QString workFolder;   // an existing folder for files of this run alone
+};
+
+struct OfficeResult {
+    QStringList warnings;
+    QString failure; // empty: the document is there
+    bool timedOut = false;
+};
+
+// The LibreOffice to use: the program that the environment variable VEXAWORD_OFFICE names, or else
+// soffice or libreoffice in PATH, or in one of the folders that LibreOffice is installed to.
+// Nothing if there is none that can be run.
+std::optional<QString> findOffice();
+
+// Runs `office` on the job, without a window and without the user's profile, in a session of its
+// own. When it reports no progress for `patience`, it is ended and `timedOut` is set.
+OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
+                       std::chrono::milliseconds patience);
+
+// Opens a document in the user's own LibreOffice and returns at once. False if it cannot be
+// started.
+bool openInOffice(const QString& office, const QString& document);
+
+} // namespace wordbridge
