@@ -1,7 +1,7 @@
 // Choosing a CIF on disk, and writing it back.
 #include "app/application.h"
 #include "app/mmcif.h"
-#include "app/textfile.h"
+#include "text/textfile.h"
 
 #include <QDir>
 #include <QFileDialog>

@@ -3,7 +3,7 @@
 #include "app/articleblocks.h"
 #include "app/journalmetadata.h"
 #include "app/quilletcommand.h"
-#include "app/textfile.h"
+#include "text/textfile.h"
 #include "process/procthread.h"
 
 #include <QCoreApplication>

@@ -2,7 +2,7 @@
 #include "app/application.h"
 #include "app/journalmetadata.h"
 #include "app/launchscript.h"
-#include "app/textfile.h"
+#include "text/textfile.h"
 #include "widgets/webwidget.h"
 
 #include <QCoreApplication>

@@ -54,11 +54,11 @@ Qt::CursorShape cursorForEdges(bool left, bool right, bool bottom)
 }
 } // namespace
 
-webWidget::webWidget(const QString& newOptions, QWidget* parent)
+webWidget::webWidget(const QString& options, QWidget* parent)
     : QFrame(parent),
       frameGradient(whiteToGrey()),
       shadowGradient(whiteToGrey()),
-      options(newOptions)
+      optionWords(options)
 {
     setAttribute(Qt::WA_TranslucentBackground, true);
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
@@ -79,7 +79,7 @@ webWidget::webWidget(const QString& newOptions, QWidget* parent)
 
     preparePage();
 
-    if (options.contains(QLatin1String("nobuttons"))) {
+    if (optionWords.contains(QLatin1String("nobuttons"))) {
         closeButton->hide();
         minimiseButton->hide();
         maximiseButton->hide();
@@ -89,8 +89,8 @@ webWidget::webWidget(const QString& newOptions, QWidget* parent)
 // Left to right: drag handle (stretching), info, minimise, maximise, close.
 QHBoxLayout* webWidget::buildTitleRow()
 {
-    const bool hasWindowButtons = options.contains(QLatin1String("winbuttons"));
-    const bool hasInfoButton = options.contains(QLatin1String("infobutton"));
+    const bool hasWindowButtons = optionWords.contains(QLatin1String("winbuttons"));
+    const bool hasInfoButton = optionWords.contains(QLatin1String("infobutton"));
 
     closeButton = makeButton(QStringLiteral("close"), QStringLiteral("Close"), this);
     infoButton = makeButton(QStringLiteral("info"), QStringLiteral("Help"), this);
@@ -139,7 +139,8 @@ QWebView* webWidget::releaseWebView()
     view = nullptr;
     if (released) {
         disconnect(released->page(), nullptr, this, nullptr);
-        // Hiding a view with the focus would pass it on through the page, which may just be handling a key.
+        // Hiding a view with the focus would pass it on through the page, which may just be
+        // handling a key.
         released->clearFocus();
         released->hide();
         released->setParent(nullptr);
@@ -182,12 +183,12 @@ void webWidget::closeEvent(QCloseEvent* event)
 
 void webWidget::paintEvent(QPaintEvent* event)
 {
-    const bool translucent = options.contains(QLatin1String("opacity"));
+    const bool translucent = optionWords.contains(QLatin1String("opacity"));
     QPainter painter(this);
     painter.fillRect(event->rect(), Qt::transparent);
     painter.setPen(Qt::NoPen);
 
-    if (options.contains(QLatin1String("shadow"))) {
+    if (optionWords.contains(QLatin1String("shadow"))) {
         shadowGradient.setStart(0, 0);
         shadowGradient.setFinalStop(width(), height());
         painter.setBrush(shadowGradient);
@@ -204,7 +205,7 @@ void webWidget::paintEvent(QPaintEvent* event)
     painter.drawRoundedRect(0, 0, width() - shadowBand, height() - shadowBand, cornerRadius,
                             cornerRadius);
 
-    if (options.contains(QLatin1String("transparent")) || !view)
+    if (optionWords.contains(QLatin1String("transparent")) || !view)
         return;
     painter.setBrush(Qt::white);
     painter.setPen(Qt::darkGray);

@@ -80,5 +80,5 @@ private:
     bool leftEdge = false;
     bool rightEdge = false;
     bool bottomEdge = false;
-    QString options;
+    QString optionWords;
 };

@@ -1,4 +1,4 @@
-#include "app/textfile.h"
+#include "text/textfile.h"
 
 #include <QFile>
 #include <QTextStream>

@@ -1,5 +1,5 @@
 // Reading and writing text files: which bytes become which text, and back.
-#include "app/textfile.h"
+#include "text/textfile.h"
 
 #include <QFile>
 #include <QFileInfo>
