@@ -3,7 +3,42 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
 #include <QTest>
+
+#include <algorithm>
+
+namespace
+{
+const QStringList markers = {QStringLiteral("_refine_B_iso.class"),
+                             QStringLiteral("_refine_ls_shell.entry_id"),
+                             QStringLiteral("_refine.entry_id"),
+                             QStringLiteral("_pdbx_phasing_MR."),
+                             QStringLiteral("_phasing_MIR_der."),
+                             QStringLiteral("_phasing_MIR."),
+                             QStringLiteral("_phasing_MAD_clust."),
+                             QStringLiteral("_phasing_MAD_set."),
+                             QStringLiteral("_phasing_MAD.entry_id"),
+                             QStringLiteral("_phasing_set.id"),
+                             QStringLiteral("_computing.entry_id"),
+                             QStringLiteral("_reflns.entry_id"),
+                             QStringLiteral("_diffrn.id"),
+                             QStringLiteral("_diffrn_source.diffrn_id"),
+                             QStringLiteral("_diffrn_measurement.diffrn_id"),
+                             QStringLiteral("_diffrn_detector.diffrn_id"),
+                             QStringLiteral("_diffrn_radiation.diffrn_id"),
+                             QStringLiteral("_cell.entry_id"),
+                             QStringLiteral("_exptl_crystal_grow._symmetry.entry_id"),
+                             QStringLiteral("_pdbx_exptl_crystal_grow_sol."),
+                             QStringLiteral("_pdbx_exptl_crystal_grow_comp."),
+                             QStringLiteral("_pdbx_exptl_crystal_cryo_treatment."),
+                             QStringLiteral("_struct_keywords."),
+                             QStringLiteral("_struct_biol."),
+                             QStringLiteral("_pdbx_entity_prod_protocol."),
+                             QStringLiteral("_entity_src_nat."),
+                             QStringLiteral("_entity_src_gen."),
+                             QStringLiteral("_entity.")};
+} // namespace
 
 class tst_MmCif : public QObject
 {
@@ -14,6 +49,7 @@ private slots:
     void recognition();
     void everyMarkerAlone_data();
     void everyMarkerAlone();
+    void agreesWithSearchingForEachMarker();
     void realFiles();
 };
 
@@ -56,35 +92,8 @@ void tst_MmCif::recognition()
 void tst_MmCif::everyMarkerAlone_data()
 {
     QTest::addColumn<QString>("marker");
-    for (const char* marker : {"_refine_B_iso.class",
-                               "_refine_ls_shell.entry_id",
-                               "_refine.entry_id",
-                               "_pdbx_phasing_MR.",
-                               "_phasing_MIR_der.",
-                               "_phasing_MIR.",
-                               "_phasing_MAD_clust.",
-                               "_phasing_MAD_set.",
-                               "_phasing_MAD.entry_id",
-                               "_phasing_set.id",
-                               "_computing.entry_id",
-                               "_reflns.entry_id",
-                               "_diffrn.id",
-                               "_diffrn_source.diffrn_id",
-                               "_diffrn_measurement.diffrn_id",
-                               "_diffrn_detector.diffrn_id",
-                               "_diffrn_radiation.diffrn_id",
-                               "_cell.entry_id",
-                               "_exptl_crystal_grow._symmetry.entry_id",
-                               "_pdbx_exptl_crystal_grow_sol.",
-                               "_pdbx_exptl_crystal_grow_comp.",
-                               "_pdbx_exptl_crystal_cryo_treatment.",
-                               "_struct_keywords.",
-                               "_struct_biol.",
-                               "_pdbx_entity_prod_protocol.",
-                               "_entity_src_nat.",
-                               "_entity_src_gen.",
-                               "_entity."})
-        QTest::newRow(marker) << marker;
+    for (const QString& marker : markers)
+        QTest::newRow(qPrintable(marker)) << marker;
 }
 
 void tst_MmCif::everyMarkerAlone()
@@ -92,6 +101,34 @@ void tst_MmCif::everyMarkerAlone()
     QFETCH(QString, marker);
     QVERIFY(isMmCifText(QStringLiteral("data_x\n") + marker));
     QVERIFY(!isMmCifText(QStringLiteral("data_x\n") + marker.chopped(1)));
+}
+
+void tst_MmCif::agreesWithSearchingForEachMarker()
+{
+    // Pieces of markers in a random order, with characters that Unicode folds to letters of them.
+    QStringList pieces = {QStringLiteral("_"),    QStringLiteral("."), QString(QChar(0x17F)),
+                          QString(QChar(0x212A)), QString(QChar(0)),   QString(QChar(0xD800))};
+    for (const QString& marker : markers) {
+        pieces << marker << QString(marker).replace(QLatin1Char('s'), QChar(0x17F));
+        const QStringList words = marker.split(QLatin1Char('_'));
+        for (const QString& word : words)
+            pieces << word << QLatin1Char('_') + word << word.toUpper();
+    }
+    QRandomGenerator random(20260102);
+    int found = 0;
+    for (int round = 0; round < 100000; ++round) {
+        QString text;
+        for (int length = random.bounded(5); length > 0; --length)
+            text += pieces.at(random.bounded(pieces.size()));
+        text.chop(random.bounded(3));
+        const bool expected =
+            std::any_of(markers.begin(), markers.end(), [&](const QString& marker) {
+                return text.indexOf(marker, 0, Qt::CaseInsensitive) != -1;
+            });
+        QVERIFY2(isMmCifText(text) == expected, qPrintable(text));
+        found += expected;
+    }
+    QVERIFY(found > 1000 && found < 99000);
 }
 
 void tst_MmCif::realFiles()
