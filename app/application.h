@@ -9,6 +9,7 @@
 
 class QNetworkReply;
 class QWebView;
+class TextReader;
 class webWidget;
 
 // Constructing it starts the program: it installs the user's copy of the resources, makes the main
@@ -87,7 +88,7 @@ private:
     void makeMainWindow();
     void loadPage();
     void evaluateInPage(const QString& script);
-    bool storeWorkingCopy(const QString& text);
+    bool storeWorkingCopy(TextReader* reader);
     bool runQuillet(const QString& commandLine, QString* output);
     QString writeInsertedHtml(const QString& html) const;
     void launchWordSession(const QString& xmlText, const QString& htmlPath);

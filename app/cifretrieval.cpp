@@ -1,6 +1,7 @@
 // Fetching a CIF by identifier.
 #include "app/application.h"
 #include "app/mmcif.h"
+#include "text/textpieces.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -38,11 +39,13 @@ void Application::pdbReplyFinished(QNetworkReply* pdbreply)
     // One byte, one character, up to the first zero byte. The working copy's encoding is the
     // locale's, so a byte above 0x7F does not come out as it went in.
     const QString text = QString::fromLatin1(pdbreply->readAll().constData());
+    const QString copyPath = resourcesPath + QStringLiteral("/tmpcif.cif");
     isMmCif = isMmCifText(text);
     if (!isMmCif) {
         evaluateInPage(QStringLiteral("pdbResponse(\"Failed to retrieve mmCIF from PDB\");"));
-    } else if (storeWorkingCopy(text)) {
-        userCifPath = workCifPath;
+    } else if (replaceTextFile(copyPath, text)) {
+        workCifPath = copyPath;
+        userCifPath = copyPath;
         evaluateInPage(QStringLiteral("pdbResponse(\"OK\");"));
     }
     pdbreply->deleteLater();

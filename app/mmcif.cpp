@@ -39,15 +39,22 @@ constexpr std::array<QLatin1String, 28> mmCifMarkers = {
     QLatin1String("_entity_src_gen."),
     QLatin1String("_entity."),
 };
-} // namespace
 
-bool isMmCifText(const QString& text)
+constexpr int longestMarker = [] {
+    int longest = 0;
+    for (const QLatin1String& marker : mmCifMarkers)
+        longest = std::max(longest, marker.size());
+    return longest;
+}();
+
+// View is a view of characters or of ASCII bytes, and may be as long as memory allows: one pass
+// looks for underscores, and at what follows them.
+template<typename View>
+bool holdsMarker(View text)
 {
-    // One pass over a text that may be as long as memory allows: only underscores are looked at.
-    const QStringView all(text);
-    for (int start = text.indexOf(QLatin1Char('_')); start >= 0;
+    for (auto start = text.indexOf(QLatin1Char('_')); start >= 0;
          start = text.indexOf(QLatin1Char('_'), start + 1)) {
-        const QStringView rest = all.mid(start);
+        const View rest = text.mid(start);
         const auto isHere = [rest](QLatin1String marker) {
             return rest.startsWith(marker, Qt::CaseInsensitive);
         };
@@ -55,4 +62,28 @@ bool isMmCifText(const QString& text)
             return true;
     }
     return false;
+}
+} // namespace
+
+bool isMmCifText(const QString& text)
+{
+    return holdsMarker(QStringView(text));
+}
+
+void MmCifSearch::read(const QString& piece)
+{
+    tail += piece;
+    found = found || holdsMarker(QStringView(tail));
+    tail = tail.right(longestMarker - 1);
+}
+
+void MmCifSearch::readAscii(const QByteArray& piece)
+{
+    // Only a marker across the border needs the characters before it.
+    tail += QLatin1String(piece.constData(), std::min(piece.size(), longestMarker));
+    found = found || holdsMarker(QStringView(tail)) ||
+            holdsMarker(QLatin1String(piece.constData(), piece.size()));
+    tail = piece.size() < longestMarker
+               ? tail.right(longestMarker - 1)
+               : QString::fromLatin1(piece.constData() + piece.size() - (longestMarker - 1));
 }

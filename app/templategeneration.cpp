@@ -3,8 +3,8 @@
 #include "app/articleblocks.h"
 #include "app/journalmetadata.h"
 #include "app/quilletcommand.h"
-#include "text/textfile.h"
 #include "process/procthread.h"
+#include "text/textfile.h"
 
 #include <QCoreApplication>
 #include <QDir>

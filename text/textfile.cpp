@@ -1,12 +1,24 @@
 #include "text/textfile.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
+
+bool isRegularFile(const QString& path)
+{
+    return QFileInfo(path).isFile();
+}
+
+bool isRegularFileOrMissing(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.isFile() || !info.exists();
+}
 
 bool readTextFile(const QString& path, QString* text)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!isRegularFile(path) || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     *text = stream.readAll();
@@ -16,7 +28,7 @@ bool readTextFile(const QString& path, QString* text)
 bool writeTextFile(const QString& path, const QString& text)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!isRegularFileOrMissing(path) || !file.open(QIODevice::WriteOnly))
         return false;
     QTextStream stream(&file);
     stream << text;

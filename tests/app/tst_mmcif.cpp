@@ -50,6 +50,8 @@ private slots:
     void everyMarkerAlone_data();
     void everyMarkerAlone();
     void agreesWithSearchingForEachMarker();
+    void piecesAreOneText_data();
+    void piecesAreOneText();
     void realFiles();
 };
 
@@ -129,6 +131,33 @@ void tst_MmCif::agreesWithSearchingForEachMarker()
         found += expected;
     }
     QVERIFY(found > 1000 && found < 99000);
+}
+
+void tst_MmCif::piecesAreOneText_data()
+{
+    QTest::addColumn<bool>("ascii");
+    QTest::newRow("bytes") << true;
+    QTest::newRow("characters") << false;
+}
+
+void tst_MmCif::piecesAreOneText()
+{
+    QFETCH(bool, ascii);
+    const auto search = [ascii](const QString& text, int first, int second) {
+        MmCifSearch reader;
+        for (const QString& piece :
+             {text.left(first), text.mid(first, second), text.mid(first + second)})
+            ascii ? reader.readAscii(piece.toLatin1()) : reader.read(piece);
+        return reader.hasFound();
+    };
+    for (const QString& marker : markers) {
+        const QString text = QStringLiteral("_x ") + marker.toUpper() + QStringLiteral(" y");
+        for (int first = 0; first <= text.size(); ++first)
+            for (int second : {0, 1, 2, 7, 30}) {
+                QVERIFY(search(text, first, second));
+                QVERIFY(!search(QString(text).remove(marker.size() + 2, 1), first, second));
+            }
+    }
 }
 
 void tst_MmCif::realFiles()

@@ -1,5 +1,6 @@
 // cpDir, rmDir and the installation of the resources, on a real file system.
 #include "app/resourcefolder.h"
+#include "tests/support/filesizelimit.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -7,9 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
 #include <memory>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,29 +35,6 @@ QStringList tree(const QString& folder)
     paths.sort();
     return paths;
 }
-
-// While it lives, writing a file beyond the limit fails.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        previousHandler = ::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &previous);
-        rlimit limit = previous;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &previous);
-        ::signal(SIGXFSZ, previousHandler);
-    }
-
-private:
-    rlimit previous{};
-    void (*previousHandler)(int) = nullptr;
-};
 } // namespace
 
 class tst_ResourceFolder : public QObject
