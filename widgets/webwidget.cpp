@@ -1,6 +1,7 @@
 #include "widgets/webwidget.h"
 
 #include "widgets/draghandle.h"
+#include "widgets/localpage.h"
 #include "widgets/pointerposition.h"
 #include "widgets/resizehandle.h"
 #include "widgets/webwidgettoolbutton.h"
@@ -119,7 +120,8 @@ QHBoxLayout* webWidget::buildTitleRow()
 
 void webWidget::preparePage()
 {
-    QWebPage* page = view->page();
+    auto* page = new localPage(view);
+    view->setPage(page);
     page->settings()->setAttribute(QWebSettings::JavascriptEnabled, true);
     connect(page, &QWebPage::loadFinished, this, &webWidget::pageLoaded);
 

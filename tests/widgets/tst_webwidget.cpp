@@ -6,6 +6,7 @@
 #include "widgets/webwidget.h"
 #include "widgets/webwidgettoolbutton.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QImage>
 #include <QLayout>
@@ -128,6 +129,8 @@ private slots:
     void thePageCannotDeleteTheWindow();
     void theViewCanOutliveTheWindow();
     void droppedFilesAreRefused();
+    void onlyLocalPagesAreShown_data();
+    void onlyLocalPagesAreShown();
 };
 
 void tst_WebWidget::metaObjectDeclaresSignalsThenSlots()
@@ -518,6 +521,49 @@ void tst_WebWidget::droppedFilesAreRefused()
     webWidget window(QString(), nullptr);
     QVERIFY(!window.acceptDrops());
     QVERIFY(!window.webView()->acceptDrops());
+}
+
+void tst_WebWidget::onlyLocalPagesAreShown_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<bool>("moves");
+    QTest::newRow("another file") << "location.href = 'other.html'" << true;
+    QTest::newRow("about:blank") << "location.href = 'about:blank'" << true;
+    QTest::newRow("network") << "location.href = 'http://127.0.0.1:1/'" << false;
+    QTest::newRow("secure network") << "location.href = 'https://www.example.com/'" << false;
+    QTest::newRow("ftp") << "location.href = 'ftp://127.0.0.1/'" << false;
+    QTest::newRow("form")
+        << "var f = document.createElement('form'); f.action = 'http://127.0.0.1:1/';"
+           " document.body.appendChild(f); f.submit()"
+        << false;
+    QTest::newRow("new window") << "window.open('http://127.0.0.1:1/')" << false;
+    QTest::newRow("new local window") << "window.open('other.html')" << false;
+}
+
+void tst_WebWidget::onlyLocalPagesAreShown()
+{
+    QFETCH(QString, script);
+    QFETCH(bool, moves);
+    webpages::writePage("other.html", "<p>other");
+    const QString page = webpages::writePage("stay.html", "<p>stay");
+    auto window = makeWindow(QString());
+    QWebView& view = *window->webView();
+    QVERIFY(webpages::load(view, page));
+    const int windows = QApplication::topLevelWidgets().size();
+    QSignalSpy finished(view.page(), SIGNAL(loadFinished(bool)));
+    webpages::evaluate(view, QStringLiteral("setTimeout(function () { setTimeout(function () {"
+                                            " later = true; }, 200); %1; }, 0)")
+                                 .arg(script));
+    if (moves) {
+        QVERIFY(finished.wait());
+        QVERIFY(view.url() != QUrl::fromLocalFile(page));
+        QCOMPARE(webpages::evaluate(view, "typeof QuilLet").toString(), QStringLiteral("object"));
+    } else {
+        QTRY_VERIFY(webpages::evaluate(view, "window.later").toBool());
+        QCOMPARE(webpages::evaluate(view, "document.body.textContent").toString().trimmed(),
+                 QStringLiteral("stay"));
+    }
+    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
 }
 
 QTEST_MAIN(tst_WebWidget)
