@@ -1,9 +1,13 @@
 #include "tests/endtoend/programrun.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
+
+#include <unistd.h>
 
 namespace
 {
@@ -16,6 +20,7 @@ QByteArray outputOf(const QString& command, const QStringList& arguments)
 }
 
 const QString reportPath = QStringLiteral("/report?");
+const QString nobody = QStringLiteral("65534"); // the number of a user and a group that own nothing
 } // namespace
 
 ProgramRun::ProgramRun(const QString& appName, const QString& homeName)
@@ -74,6 +79,37 @@ bool ProgramRun::start(const QStringList& arguments, const QString& programPath)
 {
     program.start(programPath.isEmpty() ? inApp(QStringLiteral("vexaword")) : programPath,
                   arguments);
+    return program.waitForStarted();
+}
+
+bool ProgramRun::giveHomeToTheUnprivileged() const
+{
+    return ::geteuid() != 0 ||
+           QProcess::execute(QStringLiteral("chown"), {QStringLiteral("-R"), nobody, home()}) == 0;
+}
+
+bool ProgramRun::startUnprivileged()
+{
+    if (::geteuid() != 0)
+        return start();
+    // The temporary folder is closed to everybody else.
+    QFile::setPermissions(QFileInfo(home()).path(), QFile::Permissions(0x7755));
+    program.start(QStringLiteral("setpriv"),
+                  {QStringLiteral("--reuid=") + nobody, QStringLiteral("--regid=") + nobody,
+                   QStringLiteral("--clear-groups"), inApp(QStringLiteral("vexaword"))});
+    return program.waitForStarted();
+}
+
+bool ProgramRun::startOnSmallHome(const QString& limits)
+{
+    const QStringList unshare = {QStringLiteral("--mount"), QStringLiteral("--map-root-user"),
+                                 QStringLiteral("sh"), QStringLiteral("-c")};
+    const QString mount = QStringLiteral("mount -t tmpfs -o %1 tmpfs \"$HOME\"").arg(limits);
+    if (QProcess::execute(QStringLiteral("unshare"), unshare + QStringList{mount}) != 0)
+        return false;
+    program.start(QStringLiteral("unshare"),
+                  unshare + QStringList{mount + QStringLiteral(" && exec \"$0\""),
+                                        inApp(QStringLiteral("vexaword"))});
     return program.waitForStarted();
 }
 

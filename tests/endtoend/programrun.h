@@ -26,6 +26,15 @@ public:
     // Starts the program, by its own name or by another path that leads to it.
     bool start(const QStringList& arguments = {}, const QString& programPath = QString());
 
+    // The same for a user without privileges: root starts it as nobody, who then owns nothing here.
+    // What nobody is to write must be given to him before.
+    bool startUnprivileged();
+    bool giveHomeToTheUnprivileged() const;
+
+    // The same with the home folder on a file system with limits ("size=64k") that only the program
+    // sees. False where the system does not let us mount one.
+    bool startOnSmallHome(const QString& limits);
+
     // What the page has reported so far; and waiting until there is as much.
     QStringList reports() const;
     bool waitForReports(int count);

@@ -29,7 +29,7 @@ void writeStandIn(const QString& path, const QString& record, const QString& scr
                          record + QStringLiteral("\"\n") + script + QLatin1Char('\n');
     QFile::remove(path);
     sandbox::writeFile(path, text.toUtf8());
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile::setPermissions(path, QFile::Permissions(0x7755)); // anybody may run it
 }
 
 // Written as UTF-8 bytes that are characters, which are written in UTF-8 again.
