@@ -152,8 +152,7 @@ private:
         case '=':
             fail(at, "the delimiters of tags cannot be changed");
         case '>':
-            if (!find_built_in_partial(name))
-                fail(at, "there is no part of the name \u201c" + std::string(name) + "\u201d");
+            check_partial(name, at);
             return;
         case '#':
         case '^':
@@ -171,6 +170,14 @@ private:
         default:
             check_name(content, at);
         }
+    }
+
+    void check_partial(std::string_view name, std::size_t at) const
+    {
+        const std::string_view* text = find_built_in_partial(name);
+        if (!text)
+            fail(at, "there is no part of the name \u201c" + std::string(name) + "\u201d");
+        TemplateChecker(std::string(name), *text, m_vocabulary).check();
     }
 
     void check_name(std::string_view name, std::size_t at) const
@@ -201,7 +208,7 @@ private:
         m_open.pop_back();
     }
 
-    const std::string& m_name;
+    std::string m_name;
     std::string_view m_text;
     const Vocabulary& m_vocabulary;
     std::vector<Section> m_open;

@@ -86,14 +86,12 @@ std::vector<const AuthorSource*> sources_for(Kind kind)
 // An author as found, before addresses are compared.
 struct Found {
     Author author;
-    std::string written_name;
     std::vector<std::string> addresses;
     double ordinal = std::numeric_limits<double>::infinity();
 };
 
 struct Contact {
-    std::string written_name;
-    PersonName name;
+    PersonName name;            // nobody if `written` is empty
     bool is_name_split = false; // by the file itself
     std::string email;
     std::string orcid;
@@ -188,12 +186,12 @@ PersonName split_without_comma(const std::string& name, bool may_be_initials_las
     if (words.size() == 1) {
         const auto dot = name.rfind('.');
         if (dot == std::string::npos || dot + 1 == name.size())
-            return {"", name};
-        return {name.substr(0, dot + 1), name.substr(dot + 1)};
+            return {"", name, {}};
+        return {name.substr(0, dot + 1), name.substr(dot + 1), {}};
     }
     if (may_be_initials_last && are_initials(words.back())) {
         const std::string initials = words.back();
-        return {with_dots(initials), name.substr(0, name.size() - initials.size() - 1)};
+        return {with_dots(initials), name.substr(0, name.size() - initials.size() - 1), {}};
     }
     if (words.size() > 1 && is_title(words.front()))
         words.erase(words.begin());
@@ -202,6 +200,12 @@ PersonName split_without_comma(const std::string& name, bool may_be_initials_las
     for (std::size_t i = 0; i + 1 < words.size(); ++i)
         result.given += (i > 0 ? " " : "") + words[i];
     return result;
+}
+
+PersonName name_of_parts(const std::string& given, const std::string& family)
+{
+    const std::string whole_given = with_blanks_after_dots(collapse_blanks(given));
+    return {whole_given, family, family + ", " + whole_given};
 }
 
 std::string given_text(const Item& item)
@@ -249,13 +253,9 @@ std::vector<Found> read_source(const Document& document, const Block& block,
         if (!citation.empty() && rows.item(row, source.citation_id).text != citation)
             continue;
         Found found;
-        found.written_name = given_text(name);
-        if (source.family.empty()) {
-            found.author.name = split_name(found.written_name, source.name == citation_author.name);
-        } else {
-            found.author.name = {with_blanks_after_dots(found.written_name), given_text(family)};
-            found.written_name = found.author.name.family + ", " + found.author.name.given;
-        }
+        found.author.name = source.family.empty()
+                                ? split_name(given_text(name), source.name == citation_author.name)
+                                : name_of_parts(given_text(name), given_text(family));
         found.author.email = given_text(item_if_named(rows, row, source.email));
         found.author.orcid = checked_orcid(item_if_named(rows, row, source.orcid), notes);
         found.author.note = given_text(item_if_named(rows, row, source.footnote));
@@ -272,7 +272,7 @@ std::vector<Found> read_source(const Document& document, const Block& block,
 bool are_same_names(const std::vector<Found>& a, const std::vector<Found>& b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Found& x, const Found& y) {
-        return x.written_name == y.written_name;
+        return x.author.name.written == y.author.name.written;
     });
 }
 
@@ -321,9 +321,8 @@ Item first_named(const Document& document, std::string_view tag)
 
 void read_contact_name(Contact& contact, std::string_view text)
 {
-    contact.written_name = text_to_plain(text);
-    contact.name = split_name(contact.written_name, false);
-    contact.is_name_split = contact.written_name.find(',') != std::string::npos;
+    contact.name = split_name(text_to_plain(text), false);
+    contact.is_name_split = contact.name.written.find(',') != std::string::npos;
 }
 
 Contact read_contact(const Document& document, const ContactSource& source, Notes& notes)
@@ -353,16 +352,14 @@ Contact read_deposition_contact(const Document& document, Notes& notes)
     for (const Block& block : document.blocks) {
         const Rows rows =
             block.rows({"_pdbx_contact_author.name_last", "_pdbx_contact_author.name_first"});
-        for (std::size_t row = 0; row < rows.size() && contact.written_name.empty(); ++row) {
+        for (std::size_t row = 0; row < rows.size() && contact.name.written.empty(); ++row) {
             const auto part = [&](std::string_view name) {
                 return given_text(rows.item(row, "_pdbx_contact_author." + std::string(name)));
             };
-            contact.name.family = part("name_last");
-            if (contact.name.family.empty())
+            if (part("name_last").empty())
                 continue;
-            contact.name.given =
-                with_blanks_after_dots(collapse_blanks(part("name_first") + " " + part("name_mi")));
-            contact.written_name = contact.name.family + ", " + contact.name.given;
+            contact.name =
+                name_of_parts(part("name_first") + " " + part("name_mi"), part("name_last"));
             contact.is_name_split = true;
             contact.email = part("email");
             contact.orcid =
@@ -383,7 +380,7 @@ Contact find_contact(const Document& document, Notes& notes)
 {
     for (const ContactSource& source : contact_sources) {
         Contact contact = read_contact(document, source, notes);
-        if (!contact.written_name.empty())
+        if (!contact.name.written.empty())
             return contact;
     }
     return document.kind == Kind::core ? Contact() : read_deposition_contact(document, notes);
@@ -391,10 +388,10 @@ Contact find_contact(const Document& document, Notes& notes)
 
 void apply_contact(const Contact& contact, std::vector<Found>& authors, AuthorList& list)
 {
-    if (contact.written_name.empty())
+    if (contact.name.written.empty())
         return;
     const auto match = std::find_if(authors.begin(), authors.end(), [&](const Found& found) {
-        return is_same_person(contact.written_name, found.written_name);
+        return is_same_person(contact.name, found.author.name);
     });
     if (match == authors.end()) {
         list.contact_name = collapse_blanks(contact.name.given + " " + contact.name.family);
@@ -403,7 +400,7 @@ void apply_contact(const Contact& contact, std::vector<Found>& authors, AuthorLi
     }
     Author& author = match->author;
     author.is_corresponding = true;
-    if (contact.is_name_split && match->written_name.find(',') == std::string::npos)
+    if (contact.is_name_split && author.name.written.find(',') == std::string::npos)
         author.name = contact.name;
     if (author.email.empty())
         author.email = contact.email;
@@ -507,6 +504,7 @@ PersonName split_name(std::string_view written, bool may_be_initials_last)
     if (result.family.empty())
         std::swap(result.family, result.given);
     result.given = with_blanks_after_dots(result.given);
+    result.written = name;
     return result;
 }
 
@@ -556,16 +554,14 @@ std::vector<std::string> split_addresses(std::string_view text)
     return addresses;
 }
 
-bool is_same_person(std::string_view contact, std::string_view author)
+bool is_same_person(const PersonName& a, const PersonName& b)
 {
-    auto contact_words = words_of(contact);
-    auto author_words = words_of(author);
-    std::sort(contact_words.begin(), contact_words.end());
-    std::sort(author_words.begin(), author_words.end());
-    if (contact_words == author_words)
-        return !contact_words.empty();
-    const PersonName a = split_name(contact, false);
-    const PersonName b = split_name(author, false);
+    auto words_of_a = words_of(a.written);
+    auto words_of_b = words_of(b.written);
+    std::sort(words_of_a.begin(), words_of_a.end());
+    std::sort(words_of_b.begin(), words_of_b.end());
+    if (words_of_a == words_of_b)
+        return !words_of_a.empty();
     if (letters_only(a.family) != letters_only(b.family) || a.given.empty() || b.given.empty())
         return false;
     // One of the two may leave out middle names.

@@ -17,6 +17,7 @@ namespace quillet
 struct PersonName {
     std::string given; // may be empty
     std::string family;
+    std::string written; // as in the source, before it was split
 };
 
 // Splits a name. With a comma the family name stands before the (last) one; else it is the last
@@ -54,7 +55,7 @@ std::vector<std::string> split_addresses(std::string_view text);
 // True if both name the same person: the same words in any order, or the same family name and
 // the same initials of the given names, as far as both have them. Case, accents and punctuation
 // do not count.
-bool is_same_person(std::string_view contact, std::string_view author);
+bool is_same_person(const PersonName& a, const PersonName& b);
 
 // The two elements that hand authors and addresses to the word processor; docs/article-html.md has
 // their form. Well-formed XML, also without any author.

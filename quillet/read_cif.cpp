@@ -274,7 +274,7 @@ std::string unexpected_token(const Input& in)
         return "the file ends where more was expected";
     const auto first = static_cast<unsigned char>(in.peek_char());
     if (first >= 0x80)
-        return token_at(in) + " needs quotation marks: it has a character outside ASCII";
+        return "a value needs quotation marks: " + token_at(in) + " is outside ASCII";
     return token_at(in) + " stands where a data name, loop_ or data_ was expected; is a "
                           "quotation mark or a semicolon missing before it?";
 }

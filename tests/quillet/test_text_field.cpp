@@ -1,0 +1,46 @@
+#include "quillet/text_field.h"
+
+#include <gtest/gtest.h>
+
+namespace quillet
+{
+namespace
+{
+
+TEST(TextField, DelimitersAndBlanksAtTheEndAreCut)
+{
+    EXPECT_EQ(decode_value("plain", false), "plain");
+    EXPECT_EQ(decode_value("'it's quoted '", false), "it's quoted");
+    EXPECT_EQ(decode_value("\"a\"", false), "a");
+    EXPECT_EQ(decode_value("''", false), "");
+    EXPECT_EQ(decode_value(";\nfirst\nsecond  \n;", true), "\nfirst\nsecond");
+    EXPECT_EQ(decode_value("; first\n\n;", true), " first");
+    EXPECT_EQ(decode_value(";;", true), "");
+}
+
+TEST(TextField, SemicolonInsideALineIsNoDelimiter)
+{
+    EXPECT_EQ(decode_value(";x", false), ";x");
+}
+
+TEST(TextField, FoldedLinesAreJoined)
+{
+    EXPECT_EQ(unfold_text_field("\\\nA long \\\ntitle\nand more"), "A long title\nand more");
+    EXPECT_EQ(unfold_text_field("\\  \nA\\ \nB"), "AB");
+}
+
+TEST(TextField, LinePrefixesAreRemoved)
+{
+    EXPECT_EQ(unfold_text_field("CIF>\\\nCIF>;one\nCIF>two"), ";one\ntwo");
+    EXPECT_EQ(unfold_text_field(">\\\\\n>one \\\n>two"), "one two");
+}
+
+TEST(TextField, BackslashesWithoutProtocolStay)
+{
+    EXPECT_EQ(unfold_text_field("MoK\\a\nline \\\nnext"), "MoK\\a\nline \\\nnext");
+    EXPECT_EQ(unfold_text_field("prefix\\\nother line"), "prefix\\\nother line");
+    EXPECT_EQ(unfold_text_field("\\"), "\\");
+}
+
+} // namespace
+} // namespace quillet
