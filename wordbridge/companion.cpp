@@ -65,6 +65,34 @@ QString folderFromEnvironment(const char* variable, const char* belowHome)
     return QDir::isAbsolutePath(folder) ? folder : QDir::home().filePath(QLatin1String(belowHome));
 }
 
+void say(FILE* stream, const QString& text)
+{
+    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stream);
+    std::fflush(stream);
+}
+
+// What a terminal would show appears on the desktop where there is none.
+void notifyUnlessOnTerminal(const QString& summary, const QString& text, Urgency urgency)
+{
+    if (::isatty(STDERR_FILENO) == 0)
+        notify(summary, text, urgency);
+}
+
+Patience patience()
+{
+    Patience patience;
+    bool isNumber = false;
+    const int seconds = qEnvironmentVariable("VEXAWORD_OFFICE_PATIENCE").toInt(&isNumber);
+    if (isNumber && seconds > 0)
+        patience.withoutProgress = std::chrono::seconds(seconds);
+    patience.stillWorking = [] {
+        const QString message = QStringLiteral("LibreOffice is making the manuscript …");
+        say(stderr, QStringLiteral("osascript: %1").arg(message));
+        notifyUnlessOnTerminal(QStringLiteral("Vexa Word"), message, Urgency::normal);
+    };
+    return patience;
+}
+
 QByteArray readFile(const QString& path)
 {
     QFile file(path);
@@ -124,13 +152,6 @@ Manuscript readManuscript(const QString& scriptPath)
     return manuscript;
 }
 
-std::chrono::milliseconds patience()
-{
-    bool isNumber = false;
-    const int seconds = qEnvironmentVariable("VEXAWORD_OFFICE_PATIENCE").toInt(&isNumber);
-    return std::chrono::seconds(isNumber && seconds > 0 ? seconds : 60);
-}
-
 void writeBytes(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
@@ -147,7 +168,7 @@ OfficeResult runInSomeProfile(const QString& office, const OfficeJob& job)
         const OfficeResult result = runOffice(office, *profile, job, patience());
         if (result.failure.isEmpty())
             return result;
-        profile->renew(); // the next run starts afresh
+        profile->discard();
         if (result.timedOut)
             return result; // a new profile seldom helps, and the user has waited long enough
     }
@@ -222,19 +243,6 @@ void keepLog(const QString& scriptPath, const QString& outcome)
         log.write(QStringLiteral("%1 %2: %3\n")
                       .arg(QDateTime::currentDateTime().toString(Qt::ISODate), scriptPath, outcome)
                       .toUtf8());
-}
-
-void say(FILE* stream, const QString& text)
-{
-    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stream);
-    std::fflush(stream);
-}
-
-// What a terminal would show appears on the desktop where there is none.
-void notifyUnlessOnTerminal(const QString& summary, const QString& text, Urgency urgency)
-{
-    if (::isatty(STDERR_FILENO) == 0)
-        notify(summary, text, urgency);
 }
 
 void reportRemarks(const Outcome& outcome)

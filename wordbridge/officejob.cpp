@@ -54,23 +54,29 @@ QProcessEnvironment jobEnvironment(const OfficeJob& job, const QString& reportPa
 }
 
 // Waits for the end of the process as long as its report grows. False if it stopped growing.
-bool waitWhileReporting(QProcess& process, const QString& reportPath,
-                        std::chrono::milliseconds patience)
+bool waitWhileReporting(QProcess& process, const QString& reportPath, const Patience& patience)
 {
     constexpr int glance = 200; // milliseconds
     qint64 reported = 0;
-    QElapsedTimer silence;
-    silence.start();
+    bool isSilent = true;
+    QElapsedTimer sinceStart;
+    QElapsedTimer sinceReport;
+    sinceStart.start();
+    sinceReport.start();
     while (!process.waitForFinished(glance)) {
         if (process.state() == QProcess::NotRunning)
             return true;
         const qint64 size = QFileInfo(reportPath).size();
         if (size != reported) {
             reported = size;
-            silence.restart();
+            sinceReport.restart();
         }
-        if (silence.hasExpired(patience.count()))
+        if (sinceReport.hasExpired(patience.withoutProgress.count()))
             return false;
+        if (isSilent && sinceStart.hasExpired(patience.inSilence.count())) {
+            isSilent = false;
+            patience.stillWorking();
+        }
     }
     return true;
 }
@@ -137,7 +143,7 @@ std::optional<QString> findOffice()
 }
 
 OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
-                       std::chrono::milliseconds patience)
+                       const Patience& patience)
 {
     const QString reportPath = job.workFolder + QStringLiteral("/report");
     QFile::remove(reportPath);
@@ -161,9 +167,10 @@ OfficeResult runOffice(const QString& office, const OfficeProfile& profile, cons
         process.killSession();
         OfficeResult result = readReport(reportPath);
         result.timedOut = true;
+        const auto waited =
+            std::chrono::duration_cast<std::chrono::seconds>(patience.withoutProgress);
         result.failure =
-            QStringLiteral("LibreOffice did not answer for %1 seconds")
-                .arg(std::chrono::duration_cast<std::chrono::seconds>(patience).count());
+            QStringLiteral("LibreOffice did not answer for %1 seconds").arg(waited.count());
         return result;
     }
     return readReport(reportPath);

@@ -4,6 +4,7 @@
 #include "wordbridge/officeprofile.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <QString>
 #include <QStringList>
@@ -31,10 +32,17 @@ struct OfficeResult {
 // Nothing if there is none that can be run.
 std::optional<QString> findOffice();
 
+// How long to wait for LibreOffice.
+struct Patience {
+    std::chrono::milliseconds withoutProgress{60000}; // then it is ended
+    std::chrono::milliseconds inSilence{3000};        // then `stillWorking` is called, once
+    std::function<void()> stillWorking;
+};
+
 // Runs `office` on the job, without a window and without the user's profile, in a session of its
-// own. When it reports no progress for `patience`, it is ended and `timedOut` is set.
+// own. When it reports no progress for too long, it is ended and `timedOut` is set.
 OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
-                       std::chrono::milliseconds patience);
+                       const Patience& patience);
 
 // Opens a document in the user's own LibreOffice and returns at once. False if it cannot be
 // started.

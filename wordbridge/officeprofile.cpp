@@ -121,10 +121,9 @@ OfficeProfile::~OfficeProfile()
         ::close(m_lock);
 }
 
-void OfficeProfile::renew()
+void OfficeProfile::discard()
 {
     QDir(m_path).removeRecursively();
-    fill();
 }
 
 // LibreOffice rewrites these files with contents of its own now and then (its settings grow at
