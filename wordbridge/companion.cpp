@@ -4,6 +4,7 @@
 #include "wordbridge/customxml.h"
 #include "wordbridge/docxcheck.h"
 #include "wordbridge/error.h"
+#include "wordbridge/files.h"
 #include "wordbridge/frontmatter.h"
 #include "wordbridge/launchscript.h"
 #include "wordbridge/manuscriptfile.h"
@@ -17,8 +18,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTextStream>
 #include <unistd.h>
 
 namespace wordbridge
@@ -93,14 +92,6 @@ Patience patience()
     return patience;
 }
 
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Error(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    return file.readAll();
-}
-
 // The program writes the metadata to Word's container if there is one, else beside the script.
 QString metadataPath(const QString& scriptPath)
 {
@@ -119,6 +110,20 @@ void requireFile(const ScriptValue& file, const QString& what, const QString& sc
                         .arg(scriptPath, QString::number(file.line), what, file.text));
 }
 
+// LibreOffice would take any text for a template.
+void requireTemplate(const ScriptValue& file, const QString& scriptPath)
+{
+    requireFile(file, QStringLiteral("Word template"), scriptPath);
+    try {
+        if (Package::read(file.text).find(QStringLiteral("word/document.xml")) != nullptr)
+            return;
+    } catch (const Error&) {
+        // is said below, with the line of the script
+    }
+    throw Error(QStringLiteral("%1:%2: this is no Word template, or a damaged one: %3")
+                    .arg(scriptPath, QString::number(file.line), file.text));
+}
+
 struct Manuscript {
     LaunchScript script;
     HtmlNode article;
@@ -132,7 +137,7 @@ Manuscript readManuscript(const QString& scriptPath)
 {
     Manuscript manuscript;
     manuscript.script = readLaunchScript(readFile(scriptPath), scriptPath);
-    requireFile(manuscript.script.templatePath, QStringLiteral("Word template"), scriptPath);
+    requireTemplate(manuscript.script.templatePath, scriptPath);
     if (const auto& articlePath = manuscript.script.articlePath) {
         requireFile(*articlePath, QStringLiteral("article"), scriptPath);
         manuscript.article = parseHtml(readFile(articlePath->text));
@@ -150,13 +155,6 @@ Manuscript readManuscript(const QString& scriptPath)
             QStringLiteral("journal, authors or addresses may be missing in the manuscript: %1: %2")
                 .arg(metadata.fileName(), remark));
     return manuscript;
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-        throw Error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
 }
 
 // Runs LibreOffice in the kept profile, or in a new one where that is in use or does not work.
@@ -186,7 +184,7 @@ std::optional<QString> makeWithOffice(const QString& office, Manuscript& manuscr
     job.outputPath = workFolder + QStringLiteral("/manuscript.docx");
     job.metadataPath = workFolder + QStringLiteral("/macstart.xml");
     if (!manuscript.metadataBytes.isEmpty())
-        writeBytes(job.metadataPath, manuscript.metadataBytes);
+        writeFile(job.metadataPath, manuscript.metadataBytes);
     if (manuscript.script.articlePath) {
         const ArticleOdt article = writeArticleOdt(manuscript.article, manuscript.articleFolder);
         job.articlePath = workFolder + QStringLiteral("/article.odt");
@@ -282,14 +280,11 @@ Outcome carryOut(const QString& scriptPath, ExitCode& exitCode)
     Manuscript manuscript = readManuscript(scriptPath);
 
     exitCode = documentNotMade;
-    const QTemporaryDir work(QDir::tempPath() + QStringLiteral("/vexaword-XXXXXX"));
-    if (!work.isValid())
-        throw Error(QStringLiteral("cannot make a folder in %1: %2")
-                        .arg(QDir::tempPath(), work.errorString()));
+    const std::unique_ptr<QTemporaryDir> work = makeWorkFolder();
     const std::optional<QString> office = findOffice();
     std::optional<QString> made;
     if (office)
-        made = makeWithOffice(*office, manuscript, work.path());
+        made = makeWithOffice(*office, manuscript, work->path());
     if (!made) {
         manuscript.remarks.push_back(
             office
@@ -297,7 +292,7 @@ Outcome carryOut(const QString& scriptPath, ExitCode& exitCode)
                                  "if LibreOffice is open, close it and try again")
                 : QStringLiteral("LibreOffice was not found, so the manuscript was made in plainer "
                                  "form; install libreoffice-writer for the full one"));
-        made = makeWithoutOffice(manuscript, work.path());
+        made = makeWithoutOffice(manuscript, work->path());
     }
     QString name = articleName(manuscript.article);
     if (name.isEmpty())

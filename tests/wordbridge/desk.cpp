@@ -1,10 +1,9 @@
 #include "desk.h"
 
+#include "wordbridge/files.h"
+
 #include <gtest/gtest.h>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QProcess>
 
 namespace
 {
@@ -40,12 +39,12 @@ QString Desk::resources() const
 
 void Desk::writeArticle(const QByteArray& html)
 {
-    writeFile(articlePath(), html);
+    wordbridge::writeFile(articlePath(), html);
 }
 
 void Desk::writeMetadata(const QString& xml)
 {
-    writeFile(metadataPath(), encodedTwice(xml));
+    wordbridge::writeFile(metadataPath(), encodedTwice(xml));
 }
 
 void Desk::writeScript(const QString& templatePath, const QString& article)
@@ -57,7 +56,7 @@ void Desk::writeScript(const QString& templatePath, const QString& article)
         "    create new document attached template (POSIX file \"%1\") as string\n    delay 1\n"
         "    insert file at text object of selection file name (POSIX file \"%2\") as string\n"
         "    run VB macro macro name \"Vexa_authors.VexaM_setInitialXmlData\"\nend tell\n");
-    writeFile(scriptPath(), encodedTwice(script.arg(templatePath, article)));
+    wordbridge::writeFile(scriptPath(), encodedTwice(script.arg(templatePath, article)));
 }
 
 RunResult Desk::run()
@@ -67,23 +66,21 @@ RunResult Desk::run()
 
 RunResult Desk::run(const QStringList& arguments)
 {
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(bundle + QStringLiteral("/osascript"), arguments);
+    const std::unique_ptr<QProcess> process = start(arguments);
     RunResult run;
-    EXPECT_TRUE(process.waitForFinished(longestRun)) << "osascript did not end";
-    run.exitCode = process.exitCode();
-    run.output = QString::fromUtf8(process.readAllStandardOutput());
-    run.errors = QString::fromUtf8(process.readAllStandardError());
+    EXPECT_TRUE(process->waitForFinished(longestRun)) << "osascript did not end";
+    run.exitCode = process->exitCode();
+    run.output = QString::fromUtf8(process->readAllStandardOutput());
+    run.errors = QString::fromUtf8(process->readAllStandardError());
     return run;
 }
 
-void writeFile(const QString& path, const QByteArray& content)
+std::unique_ptr<QProcess> Desk::start(const QStringList& arguments) const
 {
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    ASSERT_EQ(file.write(content), content.size());
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(environment);
+    process->start(bundle + QStringLiteral("/osascript"), arguments);
+    return process;
 }
 
 QByteArray encodedTwice(const QString& text)

@@ -3,7 +3,9 @@
 
 #include "wordbridge/package.h"
 
+#include <memory>
 #include <QByteArray>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QTemporaryDir>
@@ -41,6 +43,9 @@ public:
     RunResult run();
     RunResult run(const QStringList& arguments);
 
+    // The same without waiting for the end.
+    std::unique_ptr<QProcess> start(const QStringList& arguments) const;
+
     // Of the runs. A profile of LibreOffice in the cache is shared by all desks of a test program.
     QProcessEnvironment environment;
 
@@ -49,9 +54,6 @@ public:
 private:
     QTemporaryDir m_folder;
 };
-
-// Writes a file, making its folder.
-void writeFile(const QString& path, const QByteArray& content);
 
 // Text encoded as the program encodes the files for Word: twice.
 QByteArray encodedTwice(const QString& text);

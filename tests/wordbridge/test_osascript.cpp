@@ -3,6 +3,7 @@
 #include "print.h"
 
 #include "wordbridge/docxcheck.h"
+#include "wordbridge/files.h"
 
 #include <gtest/gtest.h>
 #include <QCoreApplication>
@@ -16,6 +17,7 @@ namespace
 {
 
 using wordbridge::Package;
+using wordbridge::writeFile;
 
 const QByteArray article =
     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
