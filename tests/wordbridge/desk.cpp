@@ -3,7 +3,10 @@
 #include "wordbridge/files.h"
 
 #include <gtest/gtest.h>
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
 
 namespace
 {
@@ -81,6 +84,19 @@ std::unique_ptr<QProcess> Desk::start(const QStringList& arguments) const
     process->setProcessEnvironment(environment);
     process->start(bundle + QStringLiteral("/osascript"), arguments);
     return process;
+}
+
+bool isWaitedFor(const std::function<bool()>& condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.hasExpired(60000))
+            return false;
+        QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+    return true;
 }
 
 QByteArray encodedTwice(const QString& text)

@@ -3,6 +3,7 @@
 
 #include "wordbridge/package.h"
 
+#include <functional>
 #include <memory>
 #include <QByteArray>
 #include <QProcess>
@@ -54,6 +55,9 @@ public:
 private:
     QTemporaryDir m_folder;
 };
+
+// Waits until a condition holds, letting events pass. False if it does not hold within a minute.
+bool isWaitedFor(const std::function<bool()>& condition);
 
 // Text encoded as the program encodes the files for Word: twice.
 QByteArray encodedTwice(const QString& text);

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QXmlStreamReader>
 
@@ -173,6 +174,55 @@ TEST_F(Osascript, MakesADocumentThatWordAccepts)
             << name.toStdString();
     const QString styles = textOf(document, "word/styles.xml");
     EXPECT_TRUE(styles.contains(QLatin1String("w:val=\"Guidance\"")));
+}
+
+// An author edits and saves before an editorial system reads the metadata.
+TEST_F(Osascript, MakesADocumentThatKeepsItsMetadataWhenSavedAgain)
+{
+    const QString document = desk.run().document();
+    const QString again = desk.home() + QStringLiteral("/again");
+    QProcess office;
+    office.setProcessEnvironment(desk.environment);
+    office.start(QStringLiteral("soffice"),
+                 {QStringLiteral("--headless"), QStringLiteral("--convert-to"),
+                  QStringLiteral("docx"), QStringLiteral("--outdir"), again, document});
+    ASSERT_TRUE(office.waitForFinished(60000));
+    const Package saved = Package::read(again + QLatin1Char('/') + QFileInfo(document).fileName());
+    EXPECT_EQ(property(saved, QStringLiteral("Journal")),
+              QStringLiteral("Revue d'été & Söhne <B>"));
+    QStringList metadataParts;
+    for (const wordbridge::Part& part : saved.parts()) {
+        if (part.name.startsWith(QLatin1String("customXml/item")) &&
+            QString::fromUtf8(part.content).contains(QStringLiteral("Łucja")))
+            metadataParts.push_back(part.name);
+    }
+    EXPECT_EQ(metadataParts.size(), 1);
+    EXPECT_EQ(paragraphsOf(saved).size(), paragraphsOf(Package::read(document)).size());
+}
+
+// The fallback without LibreOffice is a document that LibreOffice opens as what it should be.
+TEST_F(Osascript, MakesAnOpenDocumentThatLibreOfficeReads)
+{
+    desk.environment.insert(QStringLiteral("VEXAWORD_OFFICE"), QStringLiteral("/nosuch"));
+    const QString document = desk.run().document();
+    ASSERT_TRUE(document.endsWith(QLatin1String(".odt")));
+    QProcess office;
+    office.setProcessEnvironment(desk.environment);
+    office.start(QStringLiteral("soffice"),
+                 {QStringLiteral("--headless"), QStringLiteral("--convert-to"),
+                  QStringLiteral("docx"), QStringLiteral("--outdir"), desk.home(), document});
+    ASSERT_TRUE(office.waitForFinished(60000));
+    const Package read =
+        Package::read(desk.home() + QLatin1Char('/') + QFileInfo(document).completeBaseName() +
+                      QStringLiteral(".docx"));
+    const QString text = joined(read);
+    EXPECT_TRUE(text.contains(QLatin1String("Title: Structure of trans-"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(
+        QStringLiteral("\nAuthors: J. Müller & Sohn^{a}, Łucja Żak^{a,b*} and Plato^{†}\n")))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(QLatin1String("\nHeading1: Abstract\n"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QLatin1String("\nCaption: Table 1. Experimental details\n")))
+        << text.toStdString();
 }
 
 TEST_F(Osascript, NeverReplacesADocument)

@@ -10,11 +10,9 @@
 #include <memory>
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QThread>
 
 namespace
 {
@@ -31,18 +29,6 @@ const QString metadata = QStringLiteral(
     "</jnlcategory></vexa:publjnl><vexa:authors xmlns:vexa=\"n\" count=\"1\"><vexa:author "
     "id=\"a1\">"
     "<vexa:family>Müller</vexa:family></vexa:author></vexa:authors>");
-
-bool isWaitedFor(const std::function<bool()>& condition)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.hasExpired(30000))
-            return false;
-        QThread::msleep(20);
-    }
-    return true;
-}
 
 class Robustness : public testing::Test
 {
