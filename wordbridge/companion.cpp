@@ -212,8 +212,11 @@ std::optional<QString> makeWithOffice(const QString& office, Manuscript& manuscr
 // The manuscript without any word processor: path of an .odt in the work folder.
 QString makeWithoutOffice(Manuscript& manuscript, const QString& workFolder)
 {
+    const QByteArray properties =
+        openDocumentMeta(manuscript.metadata, articleTitle(manuscript.article));
     fillFrontMatter(manuscript.article, manuscript.metadata);
-    const ArticleOdt article = writeArticleOdt(manuscript.article, manuscript.articleFolder);
+    const ArticleOdt article =
+        writeArticleOdt(manuscript.article, manuscript.articleFolder, properties);
     manuscript.remarks += article.remarks;
     const QString path = workFolder + QStringLiteral("/manuscript.odt");
     article.package.write(path);

@@ -221,6 +221,8 @@ TEST_F(Osascript, MakesAnOpenDocumentThatLibreOfficeReads)
         QStringLiteral("\nAuthors: J. Müller & Sohn^{a}, Łucja Żak^{a,b*} and Plato^{†}\n")))
         << text.toStdString();
     EXPECT_TRUE(text.contains(QLatin1String("\nHeading1: Abstract\n"))) << text.toStdString();
+    EXPECT_EQ(property(read, QStringLiteral("Journal")), QStringLiteral("Revue d'été & Söhne <B>"));
+    EXPECT_TRUE(textOf(read, "docProps/core.xml").contains(QStringLiteral("Łucja Żak, Plato")));
     EXPECT_TRUE(text.contains(QLatin1String("\nCaption: Table 1. Experimental details\n")))
         << text.toStdString();
 }
