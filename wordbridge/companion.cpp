@@ -304,7 +304,7 @@ Outcome carryOut(const QString& scriptPath, ExitCode& exitCode)
     Outcome outcome;
     outcome.document = keepManuscript(*made, manuscriptBaseName(name));
     exitCode = documentMade;
-    if (mayOpen() && (!office || !openInOffice(*office, outcome.document)))
+    if (mayOpen() && !openDocument(office, outcome.document))
         manuscript.remarks.push_back(
             QStringLiteral("no program was found to open the manuscript with"));
     outcome.remarks = manuscript.remarks;

@@ -75,7 +75,8 @@ bool waitWhileReporting(QProcess& process, const QString& reportPath, const Pati
             return false;
         if (isSilent && sinceStart.hasExpired(patience.inSilence.count())) {
             isSilent = false;
-            patience.stillWorking();
+            if (patience.stillWorking)
+                patience.stillWorking();
         }
     }
     return true;
@@ -176,12 +177,18 @@ OfficeResult runOffice(const QString& office, const OfficeProfile& profile, cons
     return readReport(reportPath);
 }
 
-bool openInOffice(const QString& office, const QString& document)
+bool openDocument(const std::optional<QString>& office, const QString& document)
 {
+    const QString desktops = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (!office && desktops.isEmpty())
+        return false;
     QProcess process;
-    process.setProgram(office);
-    process.setArguments({QStringLiteral("--nologo"), QStringLiteral("--writer"), document});
-    // Not our output: whoever reads that would wait until the user closes LibreOffice.
+    process.setProgram(office.value_or(desktops));
+    if (office)
+        process.setArguments({QStringLiteral("--nologo"), QStringLiteral("--writer"), document});
+    else
+        process.setArguments({document});
+    // Not our output: whoever reads that would wait until the user closes the document.
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

@@ -44,8 +44,8 @@ struct Patience {
 OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
                        const Patience& patience);
 
-// Opens a document in the user's own LibreOffice and returns at once. False if it cannot be
-// started.
-bool openInOffice(const QString& office, const QString& document);
+// Opens a document in the user's own LibreOffice, or without one in what the desktop opens such
+// documents with, and returns at once. False if there is nothing to open it with.
+bool openDocument(const std::optional<QString>& office, const QString& document);
 
 } // namespace wordbridge

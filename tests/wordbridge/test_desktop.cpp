@@ -107,6 +107,25 @@ TEST_F(Desktop, IsLeftAloneWithoutADisplayAndOnRequest)
     EXPECT_FALSE(QFile::exists(opened()));
 }
 
+TEST_F(Desktop, OpensTheManuscriptWithoutLibreOffice)
+{
+    writeFile(desk.home() + QStringLiteral("/bin/xdg-open"),
+              "#!/bin/sh\nprintf '%s\\n' \"$@\" >\"$HOME/opened\"\n");
+    QFile::setPermissions(desk.home() + QStringLiteral("/bin/xdg-open"),
+                          QFile::ReadOwner | QFile::ExeOwner);
+    desk.environment.insert(QStringLiteral("PATH"),
+                            desk.home() + QStringLiteral("/bin:/usr/bin:/bin"));
+    desk.environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":9999"));
+    desk.environment.insert(QStringLiteral("VEXAWORD_OFFICE"), QStringLiteral("/nosuch"));
+    const RunResult run = desk.run();
+    ASSERT_TRUE(
+        isWaitedFor([&] { return QFile::exists(opened()) && !readFile(opened()).isEmpty(); }));
+    EXPECT_EQ(QString::fromUtf8(readFile(opened())), run.document() + QLatin1Char('\n'));
+
+    desk.environment.insert(QStringLiteral("PATH"), QStringLiteral("/nosuch"));
+    EXPECT_TRUE(desk.run().errors.contains(QLatin1String("no program was found to open")));
+}
+
 // A session bus of this test's own with a notification service on it.
 class NotificationService : public QDBusVirtualObject
 {
