@@ -2,10 +2,10 @@
 
 #include "wordbridge/files.h"
 
-#include <gtest/gtest.h>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QStandardPaths>
 #include <QThread>
 
 namespace
@@ -86,6 +86,12 @@ std::unique_ptr<QProcess> Desk::start(const QStringList& arguments) const
     return process;
 }
 
+void OfficeTest::SetUp()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
+        GTEST_SKIP() << "skipped: LibreOffice is not installed";
+}
+
 bool isWaitedFor(const std::function<bool()>& condition)
 {
     QElapsedTimer timer;
@@ -109,4 +115,11 @@ QString textOf(const wordbridge::Package& package, const char* part)
     const QByteArray* content = package.find(QLatin1String(part));
     EXPECT_NE(content, nullptr) << part;
     return content ? QString::fromUtf8(*content) : QString();
+}
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
 }

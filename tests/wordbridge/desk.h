@@ -4,6 +4,7 @@
 #include "wordbridge/package.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <memory>
 #include <QByteArray>
 #include <QProcess>
@@ -54,6 +55,15 @@ public:
 
 private:
     QTemporaryDir m_folder;
+};
+
+// A test that needs LibreOffice; skipped where it is not installed.
+class OfficeTest : public testing::Test
+{
+protected:
+    void SetUp() override;
+
+    Desk desk;
 };
 
 // Waits until a condition holds, letting events pass. False if it does not hold within a minute.

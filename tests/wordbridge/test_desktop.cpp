@@ -6,13 +6,11 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 
 namespace
 {
@@ -32,15 +30,9 @@ QString outputOf(const QString& program, const QStringList& arguments)
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
-class Desktop : public testing::Test
+class Desktop : public OfficeTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
-            GTEST_SKIP() << "skipped: LibreOffice is not installed";
-    }
-
     Desktop()
     {
         desk.writeArticle(article);
@@ -61,8 +53,6 @@ protected:
     }
 
     QString opened() const { return desk.home() + QStringLiteral("/opened"); }
-
-    Desk desk;
 };
 
 TEST_F(Desktop, ShowsTheManuscriptInTheUsersLibreOffice)
@@ -214,10 +204,3 @@ TEST_F(Notifications, AreNotMissedWhereThereIsNoService)
 }
 
 } // namespace
-
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -6,12 +6,10 @@
 #include "wordbridge/files.h"
 
 #include <gtest/gtest.h>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QXmlStreamReader>
 
 namespace
@@ -101,22 +99,14 @@ QString property(const Package& document, const QString& name)
     return {};
 }
 
-class Osascript : public testing::Test
+class Osascript : public OfficeTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
-            GTEST_SKIP() << "skipped: LibreOffice is not installed";
-    }
-
     Osascript()
     {
         desk.writeArticle(article);
         desk.writeMetadata(journal + authors + addresses);
     }
-
-    Desk desk;
 };
 
 TEST_F(Osascript, MakesTheManuscript)
@@ -354,10 +344,3 @@ TEST_F(Osascript, KeepsALog)
 }
 
 } // namespace
-
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 
 namespace
 {
@@ -30,15 +29,9 @@ const QString metadata = QStringLiteral(
     "id=\"a1\">"
     "<vexa:family>Müller</vexa:family></vexa:author></vexa:authors>");
 
-class Robustness : public testing::Test
+class Robustness : public OfficeTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
-            GTEST_SKIP() << "skipped: LibreOffice is not installed";
-    }
-
     Robustness()
     {
         desk.environment.insert(QStringLiteral("XDG_CACHE_HOME"), cache());
@@ -78,8 +71,6 @@ protected:
         EXPECT_TRUE(textOf(Package::read(run.document()), "content.xml")
                         .contains(QStringLiteral("Müller")));
     }
-
-    Desk desk;
 };
 
 TEST_F(Robustness, ManyAtOnceMakeADocumentEach)
@@ -258,10 +249,3 @@ TEST_F(Robustness, ALargeArticleIsFinished)
 }
 
 } // namespace
-
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
