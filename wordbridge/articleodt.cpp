@@ -486,4 +486,14 @@ QString articleName(const HtmlNode& article)
     return title ? title->plainText().simplified() : QString();
 }
 
+bool isEmptyArticle(const HtmlNode& article)
+{
+    if (article.isText())
+        return article.text.trimmed().isEmpty();
+    if (article.name == QLatin1String("img"))
+        return false;
+    return isLeftOut(article.name) ||
+           std::all_of(article.children.cbegin(), article.children.cend(), isEmptyArticle);
+}
+
 } // namespace wordbridge

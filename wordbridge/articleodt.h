@@ -33,4 +33,7 @@ ArticleOdt writeArticleOdt(const HtmlNode& article, const QString& folder,
 // The article's short name, from <title>; empty if it has none.
 QString articleName(const HtmlNode& article);
 
+// Whether there is nothing in the article that a reader would see.
+bool isEmptyArticle(const HtmlNode& article);
+
 } // namespace wordbridge

@@ -291,6 +291,29 @@ TEST_F(Osascript, InsertsTextThatIsNoArticle)
     EXPECT_EQ(joined(Package::read(run.document())), QStringLiteral("TextBody: PROCESS TIMED OUT"));
 }
 
+TEST_F(Osascript, EmbedsImages)
+{
+    desk.writeArticle(
+        "<title>T</title><p><img alt=\"plot\" src=\"data:image/png;base64,"
+        "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJ"
+        "RU5ErkJggg==\">");
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.errors, QString());
+    const Package document = Package::read(run.document());
+    EXPECT_EQ(document.names().filter(QStringLiteral("word/media/")).size(), 1);
+    EXPECT_TRUE(textOf(document, "word/document.xml").contains(QLatin1String("<w:drawing")));
+}
+
+TEST_F(Osascript, SaysThatTheArticleIsEmpty)
+{
+    desk.writeArticle("<html><head><title>T</title></head><body> </body></html>");
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.errors.contains(QLatin1String("the article is empty")))
+        << run.errors.toStdString();
+    EXPECT_TRUE(run.document().endsWith(QStringLiteral("/Manuscript – T.docx")));
+}
+
 TEST_F(Osascript, ReportsAStatementThatItDoesNotKnow)
 {
     QFile script(desk.scriptPath());

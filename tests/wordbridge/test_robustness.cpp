@@ -194,6 +194,22 @@ TEST_F(Robustness, ALibreOfficeThatDiesIsReplaced)
     expectOpenDocument(desk.run(), "cannot be started");
 }
 
+// It says that all is well, but the document is not there, or not whole, or without the article.
+TEST_F(Robustness, ALibreOfficeThatClaimsToBeDoneIsNotBelieved)
+{
+    replaceOffice("echo done >\"$VEXAWORD_REPORT\"\n");
+    expectOpenDocument(desk.run(), "manuscript.docx is not a readable document");
+    QFile::remove(desk.home() + QStringLiteral("/Documents/Manuscript – T.odt"));
+    const QByteArray empty = desk.home().toUtf8() + "/empty.docx";
+    Package package;
+    package.set(QStringLiteral("word/document.xml"), "<w:document/>");
+    package.write(QString::fromUtf8(empty));
+    replaceOffice("cp '" + empty +
+                  "' \"$(dirname \"$VEXAWORD_REPORT\")/manuscript.docx\"\n"
+                  "echo done >\"$VEXAWORD_REPORT\"\n");
+    expectOpenDocument(desk.run(), "LibreOffice did not take the article over");
+}
+
 TEST_F(Robustness, ADamagedTemplateIsReported)
 {
     const QString path = desk.home() + QStringLiteral("/broken.dotm");
