@@ -272,6 +272,31 @@ TEST_F(Osascript, MakesTheManuscriptFromHalfWrittenMetadataAndSaysSo)
     EXPECT_EQ(wordbridge::checkWordDocument(document), QStringList());
 }
 
+TEST_F(Osascript, MakesTheManuscriptFromMalformedMetadataAndSaysSo)
+{
+    QString malformed = authors;
+    malformed.replace(QLatin1String("Plato</vexa:family>"), QLatin1String("Plato"));
+    desk.writeMetadata(journal + malformed + addresses);
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.errors.contains(QLatin1String("vexa:author is damaged")))
+        << run.errors.toStdString();
+    const Package document = Package::read(run.document());
+    EXPECT_TRUE(joined(document).contains(
+        QLatin1String("Guidance: The file macstart.xml holds an author without a name.")))
+        << joined(document).toStdString();
+    EXPECT_EQ(wordbridge::checkWordDocument(document), QStringList());
+}
+
+TEST_F(Osascript, ReadsMetadataThatIsEncodedOnce)
+{
+    writeFile(desk.metadataPath(), (journal + authors + addresses).toUtf8());
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.errors, QString());
+    EXPECT_TRUE(joined(Package::read(run.document()))
+                    .contains(QStringLiteral("Müller & Sohn^{a}, Łucja Żak")));
+}
+
 TEST_F(Osascript, AsksForAuthorsWhereAReadyMadeTemplateHasNone)
 {
     desk.writeMetadata(journal);

@@ -53,8 +53,20 @@ Private Sub ReadMetadata()
         remark = "The file macstart.xml does not hold all authors."
     ElseIf CountOf(addressesXml, "<vexa:address ") < Val(AttributeValue(addressesXml, "count")) Then
         remark = "The file macstart.xml does not hold all addresses."
+    ElseIf HasAuthorWithoutName() Then
+        remark = "The file macstart.xml holds an author without a name."
     End If
 End Sub
+
+Private Function HasAuthorWithoutName() As Boolean
+    Dim authors() As String
+    Dim i As Long
+
+    authors = Split(authorsXml, "<vexa:author ")
+    For i = 1 To UBound(authors)
+        If AuthorName(authors(i)) = "" Then HasAuthorWithoutName = True
+    Next
+End Function
 
 ' Whether a block begins in the text and does not end there.
 Private Function Cut(ByVal text As String, ByVal opening As String, ByVal found As String) As Boolean
