@@ -1,8 +1,9 @@
 #include "wordbridge/articleodt.h"
 
 #include "wordbridge/articleimages.h"
+#include "wordbridge/htmlformats.h"
+#include "wordbridge/odtpackage.h"
 #include "wordbridge/odtstyles.h"
-#include "wordbridge/resources.h"
 #include "wordbridge/tablelayout.h"
 
 #include <algorithm>
@@ -15,120 +16,6 @@ namespace wordbridge
 
 namespace
 {
-
-const QString bodyStyle = QStringLiteral("Text_20_body");
-const QString captionStyle = QStringLiteral("Caption");
-
-// What a paragraph inherits from the elements around it.
-struct Surroundings {
-    ParagraphFormat paragraph{bodyStyle, {}, 0, false};
-    TextFormat text;
-    int headingLevel = 0;
-    bool preformatted = false;
-};
-
-bool isOneOf(const QString& name, std::initializer_list<const char*> names)
-{
-    return std::any_of(names.begin(), names.end(),
-                       [&](const char* other) { return name == QLatin1String(other); });
-}
-
-bool isLeftOut(const QString& name)
-{
-    return name.startsWith(QLatin1String("vexa-")) ||
-           isOneOf(name, {"head", "script", "style", "template", "noscript", "object", "iframe",
-                          "embed", "select", "textarea", "button", "input", "svg", "math"});
-}
-
-bool isBlock(const QString& name)
-{
-    return isOneOf(name,
-                   {"html",    "body",       "p",       "div",     "h1",         "h2",      "h3",
-                    "h4",      "h5",         "h6",      "ul",      "ol",         "li",      "dl",
-                    "dt",      "dd",         "table",   "caption", "blockquote", "pre",     "hr",
-                    "section", "article",    "header",  "footer",  "main",       "nav",     "aside",
-                    "figure",  "figcaption", "address", "center",  "form",       "fieldset"});
-}
-
-bool containsBlock(const HtmlNode& node)
-{
-    return std::any_of(node.children.cbegin(), node.children.cend(), [](const HtmlNode& child) {
-        return isBlock(child.name) || containsBlock(child);
-    });
-}
-
-QString styleOfClass(const QString& name)
-{
-    static const QMap<QString, QString> styles{
-        {QStringLiteral("title"), QStringLiteral("Title")},
-        {QStringLiteral("authors"), QStringLiteral("Authors")},
-        {QStringLiteral("addresses"), QStringLiteral("Addresses")},
-        {QStringLiteral("abstract"), QStringLiteral("Abstract")},
-        {QStringLiteral("caption"), captionStyle},
-        {QStringLiteral("note"), QStringLiteral("Table_20_Note")},
-        {QStringLiteral("guidance"), QStringLiteral("Guidance")},
-        {QStringLiteral("reference"), QStringLiteral("Bibliography")},
-    };
-    return styles.value(name);
-}
-
-QMap<QString, QString> inlineCss(const HtmlNode& element)
-{
-    QMap<QString, QString> css;
-    for (const QString& declaration :
-         element.attributes.value(QStringLiteral("style")).split(QLatin1Char(';'))) {
-        const int colon = declaration.indexOf(QLatin1Char(':'));
-        if (colon > 0)
-            css.insert(declaration.left(colon).trimmed().toLower(),
-                       declaration.mid(colon + 1).trimmed().toLower());
-    }
-    return css;
-}
-
-void applyElement(TextFormat& format, const QString& name)
-{
-    if (isOneOf(name, {"b", "strong"}))
-        format.bold = true;
-    else if (isOneOf(name, {"i", "em", "cite", "var", "dfn"}))
-        format.italic = true;
-    else if (isOneOf(name, {"u", "ins"}))
-        format.underlined = true;
-    else if (isOneOf(name, {"s", "strike", "del"}))
-        format.struckOut = true;
-    else if (isOneOf(name, {"code", "tt", "kbd", "samp"}))
-        format.monospaced = true;
-    else if (name == QLatin1String("sup"))
-        format.script = 1;
-    else if (name == QLatin1String("sub"))
-        format.script = -1;
-}
-
-void applyCss(TextFormat& format, const QMap<QString, QString>& css)
-{
-    const QString weight = css.value(QStringLiteral("font-weight"));
-    if (!weight.isEmpty())
-        format.bold = weight == QLatin1String("bold") || weight.toInt() >= 600;
-    const QString style = css.value(QStringLiteral("font-style"));
-    if (!style.isEmpty())
-        format.italic = style == QLatin1String("italic") || style == QLatin1String("oblique");
-    const QString decoration = css.value(QStringLiteral("text-decoration"));
-    format.underlined |= decoration.contains(QLatin1String("underline"));
-    format.struckOut |= decoration.contains(QLatin1String("line-through"));
-    if (css.value(QStringLiteral("font-variant")) == QLatin1String("small-caps"))
-        format.smallCapitals = true;
-    const QString place = css.value(QStringLiteral("vertical-align"));
-    if (place == QLatin1String("super"))
-        format.script = 1;
-    else if (place == QLatin1String("sub"))
-        format.script = -1;
-}
-
-QString alignmentOf(const HtmlNode& element, const QMap<QString, QString>& css)
-{
-    const QString alignment = css.value(
-        QStringLiteral("text-align"), element.attributes.value(QStringLiteral("align")).toLower());
-    return isOneOf(alignment, {"left", "right", "center", "justify"}) ? alignment : QString();
-}
 
 // Writes the body of the document and collects what it refers to.
 class Writer
@@ -146,17 +33,15 @@ public:
         m_xml.writeEndElement();
     }
 
-    ArticleOdt odt()
+    ArticleOdt odt(const QByteArray& metaXml) const
     {
-        ArticleOdt result;
-        result.remarks = m_images.remarks();
-        result.package.set(QStringLiteral("mimetype"), "application/vnd.oasis.opendocument.text");
-        result.package.set(QStringLiteral("content.xml"), contentXml());
-        result.package.set(QStringLiteral("styles.xml"), resource("manuscript-styles.xml"));
-        for (const Part& image : m_images.parts())
-            result.package.set(image.name, image.content);
-        result.package.set(QStringLiteral("META-INF/manifest.xml"), manifestXml());
-        return result;
+        OdtContent content;
+        content.body = m_body;
+        content.automaticStyles = m_styles.xml();
+        content.sequences = m_captionCounts.keys();
+        content.images = m_images.parts();
+        content.metaXml = metaXml;
+        return {packOdt(content), m_images.remarks()};
     }
 
 private:
@@ -183,7 +68,7 @@ private:
     void writeBlock(const HtmlNode& node, const Surroundings& around)
     {
         closeParagraph();
-        const Surroundings inside = surroundingsIn(node, around);
+        const Surroundings inside = insideBlock(node, around);
         if (node.name == QLatin1String("table"))
             writeTable(node, inside);
         else if (isOneOf(node.name, {"ul", "ol"}))
@@ -195,42 +80,9 @@ private:
         closeParagraph();
     }
 
-    static Surroundings surroundingsIn(const HtmlNode& block, const Surroundings& around)
-    {
-        Surroundings inside = around;
-        ParagraphFormat& paragraph = inside.paragraph;
-        const QString& name = block.name;
-        if (name.size() == 2 && name[0] == QLatin1Char('h') && name[1].isDigit()) {
-            inside.headingLevel = name[1].digitValue();
-            paragraph.style = QStringLiteral("Heading_20_%1").arg(inside.headingLevel);
-        } else if (name == QLatin1String("pre")) {
-            inside.preformatted = true;
-            paragraph.style = QStringLiteral("HTML_20_Preformatted");
-        } else if (isOneOf(name, {"caption", "figcaption"})) {
-            paragraph.style = captionStyle;
-        } else if (isOneOf(name, {"blockquote", "dd"})) {
-            ++paragraph.indent;
-        } else if (name == QLatin1String("center")) {
-            paragraph.alignment = QStringLiteral("center");
-        }
-        for (const QString& className : block.classes()) {
-            const QString style = styleOfClass(className);
-            if (!style.isEmpty())
-                paragraph.style = style;
-        }
-        const QMap<QString, QString> css = inlineCss(block);
-        applyCss(inside.text, css);
-        const QString alignment = alignmentOf(block, css);
-        if (!alignment.isEmpty() && name != QLatin1String("table"))
-            paragraph.alignment = alignment;
-        return inside;
-    }
-
     void writeInline(const HtmlNode& node, const Surroundings& around)
     {
-        Surroundings inside = around;
-        applyElement(inside.text, node.name);
-        applyCss(inside.text, inlineCss(node));
+        const Surroundings inside = insideInline(node, around);
         if (node.name == QLatin1String("br"))
             ++m_pendingBreaks;
         else if (node.name == QLatin1String("img"))
@@ -440,7 +292,7 @@ private:
                                            : QStringLiteral("Table_20_Text");
         const HtmlNode nothing = HtmlNode::element(QStringLiteral("td"));
         const HtmlNode& node = cell.node ? *cell.node : nothing;
-        writeContainerContent(node, surroundingsIn(node, inside));
+        writeContainerContent(node, insideBlock(node, inside));
         m_xml.writeEndElement();
     }
 
@@ -600,58 +452,6 @@ private:
         m_xml.writeEndElement();
     }
 
-    // --- Parts of the document
-
-    QByteArray contentXml() const
-    {
-        QByteArray sequences;
-        for (auto kind = m_captionCounts.cbegin(); kind != m_captionCounts.cend(); ++kind)
-            sequences += "<text:sequence-decl text:display-outline-level=\"0\" text:name=\"" +
-                         kind.key().toUtf8() + "\"/>";
-        if (!sequences.isEmpty())
-            sequences = "<text:sequence-decls>" + sequences + "</text:sequence-decls>";
-
-        QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<office:document-content";
-        for (const auto& [prefix, name] : {
-                 std::pair{"office", "urn:oasis:names:tc:opendocument:xmlns:office:1.0"},
-                 std::pair{"style", "urn:oasis:names:tc:opendocument:xmlns:style:1.0"},
-                 std::pair{"text", "urn:oasis:names:tc:opendocument:xmlns:text:1.0"},
-                 std::pair{"table", "urn:oasis:names:tc:opendocument:xmlns:table:1.0"},
-                 std::pair{"draw", "urn:oasis:names:tc:opendocument:xmlns:drawing:1.0"},
-                 std::pair{"fo", "urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0"},
-                 std::pair{"svg", "urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0"},
-                 std::pair{"xlink", "http://www.w3.org/1999/xlink"},
-             })
-            xml += QByteArray(" xmlns:") + prefix + "=\"" + name + '"';
-        xml += " office:version=\"1.3\"><office:automatic-styles>" + m_styles.xml() +
-               "</office:automatic-styles><office:body><office:text>" + sequences + m_body +
-               "</office:text></office:body></office:document-content>";
-        return xml;
-    }
-
-    QByteArray manifestXml() const
-    {
-        QByteArray manifest;
-        QXmlStreamWriter xml(&manifest);
-        const auto entry = [&xml](const QString& path, const QString& type) {
-            xml.writeEmptyElement(QStringLiteral("manifest:file-entry"));
-            xml.writeAttribute(QStringLiteral("manifest:full-path"), path);
-            xml.writeAttribute(QStringLiteral("manifest:media-type"), type);
-        };
-        xml.writeStartDocument();
-        xml.writeStartElement(QStringLiteral("manifest:manifest"));
-        xml.writeAttribute(QStringLiteral("xmlns:manifest"),
-                           QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:manifest:1.0"));
-        xml.writeAttribute(QStringLiteral("manifest:version"), QStringLiteral("1.3"));
-        entry(QStringLiteral("/"), QStringLiteral("application/vnd.oasis.opendocument.text"));
-        entry(QStringLiteral("content.xml"), QStringLiteral("text/xml"));
-        entry(QStringLiteral("styles.xml"), QStringLiteral("text/xml"));
-        for (const Part& image : m_images.parts())
-            entry(image.name, QStringLiteral("image/") + image.name.section(QLatin1Char('.'), -1));
-        xml.writeEndDocument();
-        return manifest;
-    }
-
     QByteArray m_body;
     QXmlStreamWriter m_xml;
     OdtStyles m_styles;
@@ -672,17 +472,28 @@ private:
 
 } // namespace
 
-ArticleOdt writeArticleOdt(const HtmlNode& article, const QString& folder)
+ArticleOdt writeArticleOdt(const HtmlNode& article, const QString& folder,
+                           const QByteArray& metaXml)
 {
     Writer writer(folder);
     writer.write(article);
-    return writer.odt();
+    return writer.odt(metaXml);
 }
 
 QString articleName(const HtmlNode& article)
 {
     const HtmlNode* title = article.find(QStringLiteral("title"));
     return title ? title->plainText().simplified() : QString();
+}
+
+bool isEmptyArticle(const HtmlNode& article)
+{
+    if (article.isText())
+        return article.text.trimmed().isEmpty();
+    if (article.name == QLatin1String("img"))
+        return false;
+    return isLeftOut(article.name) ||
+           std::all_of(article.children.cbegin(), article.children.cend(), isEmptyArticle);
 }
 
 } // namespace wordbridge

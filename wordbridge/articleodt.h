@@ -21,15 +21,19 @@ struct ArticleOdt {
 
 // Writes `article` (an <html> element as parseHtml() returns it) as OpenDocument text.
 //
-// Elements become paragraphs and tables in the styles of the manuscript template (see styleNames.h
-// for their names). Anchors become bookmarks around their content; captions "Table 1 …" count by a
-// number field where their number is the next one; header rows repeat on every page; tables fill
-// the text width, their columns shared out by content. Local images (relative to `folder`) and
-// data: images are embedded; other images, scripts and the program's own metadata elements are left
-// out.
-ArticleOdt writeArticleOdt(const HtmlNode& article, const QString& folder);
+// Elements become paragraphs and tables in the styles of the manuscript template. Anchors become
+// bookmarks around their content; captions "Table 1 …" count by a number field where their number
+// is the next one; header rows repeat on every page; tables fill the text width, their columns
+// shared out by content. Local images (relative to `folder`) and data: images are embedded; other
+// images, scripts and the program's own metadata elements are left out. `metaXml` is the document's
+// meta.xml, if it is to have one.
+ArticleOdt writeArticleOdt(const HtmlNode& article, const QString& folder,
+                           const QByteArray& metaXml = {});
 
 // The article's short name, from <title>; empty if it has none.
 QString articleName(const HtmlNode& article);
+
+// Whether there is nothing in the article that a reader would see.
+bool isEmptyArticle(const HtmlNode& article);
 
 } // namespace wordbridge

@@ -66,7 +66,6 @@ Function NewDocument(address As String) As Object
     If IsNull(NewDocument) Then Err.Raise(1, "", "LibreOffice cannot open the Word template")
 End Function
 
-' Inserting a missing or damaged file is no error for LibreOffice; an unchanged document shows it.
 Sub InsertArticle(manuscript As Object, address As String)
     Dim cursor As Object
 
@@ -74,9 +73,6 @@ Sub InsertArticle(manuscript As Object, address As String)
     cursor = manuscript.Text.createTextCursorByRange(manuscript.Text.getStart())
     cursor.insertDocumentFromURL(address, Array(Setting("FilterName", "writer8")))
     manuscript.unlockControllers()
-    If manuscript.CharacterCount = 0 And manuscript.TextTables.Count = 0 Then
-        Report "warning the article is empty"
-    End If
     RemoveEmptyEnds(manuscript)
 End Sub
 

@@ -1,15 +1,12 @@
 #include "wordbridge/companion.h"
 
-#include "wordbridge/articleodt.h"
-#include "wordbridge/customxml.h"
-#include "wordbridge/docxcheck.h"
 #include "wordbridge/error.h"
-#include "wordbridge/frontmatter.h"
-#include "wordbridge/launchscript.h"
+#include "wordbridge/files.h"
+#include "wordbridge/folders.h"
+#include "wordbridge/manuscript.h"
 #include "wordbridge/manuscriptfile.h"
 #include "wordbridge/notification.h"
 #include "wordbridge/officejob.h"
-#include "wordbridge/publicationmetadata.h"
 
 #include <cstdio>
 #include <QDateTime>
@@ -17,8 +14,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTextStream>
 #include <unistd.h>
 
 namespace wordbridge
@@ -59,146 +54,32 @@ const char* const help =
     "  ~/.local/state/vexaword/manuscripts.log    one line for every run\n"
     "  ~/.cache/vexaword/                         LibreOffice profile of this program\n";
 
-QString folderFromEnvironment(const char* variable, const char* belowHome)
+void say(FILE* stream, const QString& text)
 {
-    const QString folder = qEnvironmentVariable(variable);
-    return QDir::isAbsolutePath(folder) ? folder : QDir::home().filePath(QLatin1String(belowHome));
+    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stream);
+    std::fflush(stream);
 }
 
-QByteArray readFile(const QString& path)
+// What a terminal would show appears on the desktop where there is none.
+void notifyUnlessOnTerminal(const QString& summary, const QString& text, Urgency urgency)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Error(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    return file.readAll();
+    if (::isatty(STDERR_FILENO) == 0)
+        notify(summary, text, urgency);
 }
 
-// The program writes the metadata to Word's container if there is one, else beside the script.
-QString metadataPath(const QString& scriptPath)
+Patience patience()
 {
-    const QDir container(QDir::homePath() +
-                         QStringLiteral("/Library/Containers/com.microsoft.Word/Data"));
-    if (container.exists())
-        return container.filePath(QStringLiteral("macstart.xml"));
-    return QFileInfo(scriptPath).absoluteDir().filePath(QStringLiteral("publauthors/macstart.xml"));
-}
-
-void requireFile(const ScriptValue& file, const QString& what, const QString& scriptPath)
-{
-    const QFileInfo info(file.text);
-    if (!info.isFile() || !info.isReadable())
-        throw Error(QStringLiteral("%1:%2: the %3 is missing or cannot be read: %4")
-                        .arg(scriptPath, QString::number(file.line), what, file.text));
-}
-
-struct Manuscript {
-    LaunchScript script;
-    HtmlNode article;
-    QString articleFolder;
-    PublicationMetadata metadata;
-    QByteArray metadataBytes;
-    QStringList remarks;
-};
-
-Manuscript readManuscript(const QString& scriptPath)
-{
-    Manuscript manuscript;
-    manuscript.script = readLaunchScript(readFile(scriptPath), scriptPath);
-    requireFile(manuscript.script.templatePath, QStringLiteral("Word template"), scriptPath);
-    if (const auto& articlePath = manuscript.script.articlePath) {
-        requireFile(*articlePath, QStringLiteral("article"), scriptPath);
-        manuscript.article = parseHtml(readFile(articlePath->text));
-        manuscript.articleFolder = QFileInfo(articlePath->text).absolutePath();
-    }
-    QFile metadata(metadataPath(scriptPath));
-    if (metadata.open(QIODevice::ReadOnly)) {
-        manuscript.metadataBytes = metadata.readAll();
-        manuscript.metadata = readPublicationMetadata(manuscript.metadataBytes);
-    } else {
-        manuscript.metadata.remarks.push_back(metadata.errorString());
-    }
-    for (const QString& remark : manuscript.metadata.remarks)
-        manuscript.remarks.push_back(
-            QStringLiteral("journal, authors or addresses may be missing in the manuscript: %1: %2")
-                .arg(metadata.fileName(), remark));
-    return manuscript;
-}
-
-std::chrono::milliseconds patience()
-{
+    Patience patience;
     bool isNumber = false;
     const int seconds = qEnvironmentVariable("VEXAWORD_OFFICE_PATIENCE").toInt(&isNumber);
-    return std::chrono::seconds(isNumber && seconds > 0 ? seconds : 60);
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-        throw Error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-}
-
-// Runs LibreOffice in the kept profile, or in a new one where that is in use or does not work.
-OfficeResult runInSomeProfile(const QString& office, const OfficeJob& job)
-{
-    const QString cache =
-        folderFromEnvironment("XDG_CACHE_HOME", ".cache") + QStringLiteral("/vexaword");
-    if (const auto profile = OfficeProfile::kept(cache)) {
-        const OfficeResult result = runOffice(office, *profile, job, patience());
-        if (result.failure.isEmpty())
-            return result;
-        profile->renew(); // the next run starts afresh
-        if (result.timedOut)
-            return result; // a new profile seldom helps, and the user has waited long enough
-    }
-    const auto profile = OfficeProfile::temporary();
-    return runOffice(office, *profile, job, patience());
-}
-
-// The manuscript as LibreOffice makes it: path of a .docx in the work folder, or nothing.
-std::optional<QString> makeWithOffice(const QString& office, Manuscript& manuscript,
-                                      const QString& workFolder)
-{
-    OfficeJob job;
-    job.workFolder = workFolder;
-    job.templatePath = QFileInfo(manuscript.script.templatePath.text).absoluteFilePath();
-    job.outputPath = workFolder + QStringLiteral("/manuscript.docx");
-    job.metadataPath = workFolder + QStringLiteral("/macstart.xml");
-    if (!manuscript.metadataBytes.isEmpty())
-        writeBytes(job.metadataPath, manuscript.metadataBytes);
-    if (manuscript.script.articlePath) {
-        const ArticleOdt article = writeArticleOdt(manuscript.article, manuscript.articleFolder);
-        job.articlePath = workFolder + QStringLiteral("/article.odt");
-        article.package.write(job.articlePath);
-        manuscript.remarks += article.remarks;
-    }
-    if (manuscript.script.macro)
-        job.macro = manuscript.script.macro->text;
-
-    const OfficeResult result = runInSomeProfile(office, job);
-    manuscript.remarks += result.warnings;
-    if (!result.failure.isEmpty()) {
-        manuscript.remarks.push_back(result.failure);
-        return std::nullopt;
-    }
-    Package document = Package::read(job.outputPath);
-    addCustomXml(document, manuscriptXml(manuscript.metadata));
-    for (const QString& finding : checkWordDocument(document))
-        manuscript.remarks.push_back(
-            QStringLiteral("Word may have to repair the manuscript: %1").arg(finding));
-    document.write(job.outputPath);
-    return job.outputPath;
-}
-
-// The manuscript without any word processor: path of an .odt in the work folder.
-QString makeWithoutOffice(Manuscript& manuscript, const QString& workFolder)
-{
-    fillFrontMatter(manuscript.article, manuscript.metadata);
-    const ArticleOdt article = writeArticleOdt(manuscript.article, manuscript.articleFolder);
-    manuscript.remarks += article.remarks;
-    const QString path = workFolder + QStringLiteral("/manuscript.odt");
-    article.package.write(path);
-    return path;
+    if (isNumber && seconds > 0)
+        patience.withoutProgress = std::chrono::seconds(seconds);
+    patience.stillWorking = [] {
+        const QString message = QStringLiteral("LibreOffice is making the manuscript …");
+        say(stderr, QStringLiteral("osascript: %1").arg(message));
+        notifyUnlessOnTerminal(QStringLiteral("Vexa Word"), message, Urgency::normal);
+    };
+    return patience;
 }
 
 bool hasDisplay()
@@ -214,49 +95,77 @@ bool mayOpen()
 
 void keepLog(const QString& scriptPath, const QString& outcome)
 {
-    const QString folder =
-        folderFromEnvironment("XDG_STATE_HOME", ".local/state") + QStringLiteral("/vexaword");
-    QDir().mkpath(folder);
-    QFile log(folder + QStringLiteral("/manuscripts.log"));
+    QDir().mkpath(stateFolder());
+    QFile log(stateFolder() + QStringLiteral("/manuscripts.log"));
     if (log.open(QIODevice::Append | QIODevice::Text)) // a log that cannot be kept stops nothing
         log.write(QStringLiteral("%1 %2: %3\n")
                       .arg(QDateTime::currentDateTime().toString(Qt::ISODate), scriptPath, outcome)
                       .toUtf8());
 }
 
-void say(FILE* stream, const QString& text)
+void reportRemarks(const Manuscript& manuscript)
 {
-    std::fputs((text + QLatin1Char('\n')).toUtf8().constData(), stream);
-    std::fflush(stream);
-}
-
-// What a terminal would show appears on the desktop where there is none.
-void notifyUnlessOnTerminal(const QString& summary, const QString& text, Urgency urgency)
-{
-    if (::isatty(STDERR_FILENO) == 0)
-        notify(summary, text, urgency);
-}
-
-void reportRemarks(const Outcome& outcome)
-{
-    if (outcome.remarks.isEmpty())
+    if (manuscript.remarks.isEmpty())
         return;
-    for (const QString& remark : outcome.remarks)
+    for (const QString& remark : manuscript.remarks)
         say(stderr, QStringLiteral("osascript: warning: %1").arg(remark));
     notifyUnlessOnTerminal(QStringLiteral("The manuscript was made, with a remark"),
-                           outcome.document + QLatin1Char('\n') +
-                               outcome.remarks.join(QLatin1Char('\n')),
+                           manuscript.path + QLatin1Char('\n') +
+                               manuscript.remarks.join(QLatin1Char('\n')),
                            Urgency::normal);
+}
+
+// With LibreOffice if that works, else without.
+Manuscript makeManuscript(const std::optional<QString>& office, const ManuscriptSource& source,
+                          const QString& workFolder)
+{
+    QStringList remarks;
+    if (office) {
+        if (auto manuscript = makeWithOffice(*office, source, workFolder, patience(), remarks))
+            return *manuscript;
+        remarks.push_back(
+            QStringLiteral("so the manuscript was made without LibreOffice, in plainer form; if "
+                           "LibreOffice is open, close it and try again"));
+    } else {
+        remarks.push_back(
+            QStringLiteral("LibreOffice was not found, so the manuscript was made in plainer form; "
+                           "install libreoffice-writer for the full one"));
+    }
+    Manuscript manuscript = makeWithoutOffice(source, workFolder);
+    manuscript.remarks = remarks + manuscript.remarks;
+    return manuscript;
+}
+
+// Makes the manuscript, keeps it in the user's documents folder, and opens it where there is a
+// display. `exitCode` says how far it came, also when it throws Error.
+Manuscript carryOut(const QString& scriptPath, ExitCode& exitCode)
+{
+    exitCode = scriptUnusable;
+    QStringList remarks;
+    const ManuscriptSource source = readManuscriptSource(scriptPath, remarks);
+
+    exitCode = documentNotMade;
+    const std::unique_ptr<QTemporaryDir> work = makeWorkFolder();
+    const std::optional<QString> office = findOffice();
+    Manuscript manuscript = makeManuscript(office, source, work->path());
+    manuscript.path = keepManuscript(manuscript.path, manuscriptName(source));
+    manuscript.remarks = remarks + manuscript.remarks;
+
+    exitCode = documentMade;
+    if (mayOpen() && !openDocument(office, manuscript.path))
+        manuscript.remarks.push_back(
+            QStringLiteral("no program was found to open the manuscript with"));
+    return manuscript;
 }
 
 int runScript(const QString& scriptPath)
 {
     ExitCode exitCode = documentMade;
     try {
-        const Outcome outcome = carryOut(scriptPath, exitCode);
-        say(stdout, outcome.document);
-        reportRemarks(outcome);
-        keepLog(scriptPath, outcome.document);
+        const Manuscript manuscript = carryOut(scriptPath, exitCode);
+        say(stdout, manuscript.path);
+        reportRemarks(manuscript);
+        keepLog(scriptPath, manuscript.path);
     } catch (const Error& error) {
         say(stderr, QStringLiteral("osascript: error: %1").arg(error.message()));
         notifyUnlessOnTerminal(QStringLiteral("The manuscript could not be made"), error.message(),
@@ -267,43 +176,6 @@ int runScript(const QString& scriptPath)
 }
 
 } // namespace
-
-Outcome carryOut(const QString& scriptPath, ExitCode& exitCode)
-{
-    exitCode = scriptUnusable;
-    Manuscript manuscript = readManuscript(scriptPath);
-
-    exitCode = documentNotMade;
-    const QTemporaryDir work(QDir::tempPath() + QStringLiteral("/vexaword-XXXXXX"));
-    if (!work.isValid())
-        throw Error(QStringLiteral("cannot make a folder in %1: %2")
-                        .arg(QDir::tempPath(), work.errorString()));
-    const std::optional<QString> office = findOffice();
-    std::optional<QString> made;
-    if (office)
-        made = makeWithOffice(*office, manuscript, work.path());
-    if (!made) {
-        manuscript.remarks.push_back(
-            office
-                ? QStringLiteral("so the manuscript was made without LibreOffice, in plainer form; "
-                                 "if LibreOffice is open, close it and try again")
-                : QStringLiteral("LibreOffice was not found, so the manuscript was made in plainer "
-                                 "form; install libreoffice-writer for the full one"));
-        made = makeWithoutOffice(manuscript, work.path());
-    }
-    QString name = articleName(manuscript.article);
-    if (name.isEmpty())
-        name = (manuscript.metadata.journal + QLatin1Char(' ') + manuscript.metadata.category)
-                   .simplified();
-    Outcome outcome;
-    outcome.document = keepManuscript(*made, manuscriptBaseName(name));
-    exitCode = documentMade;
-    if (mayOpen() && (!office || !openInOffice(*office, outcome.document)))
-        manuscript.remarks.push_back(
-            QStringLiteral("no program was found to open the manuscript with"));
-    outcome.remarks = manuscript.remarks;
-    return outcome;
-}
 
 int run(const QStringList& arguments)
 {

@@ -42,6 +42,10 @@ const QMap<QString, QStringList>& childOrders()
         {QStringLiteral("tcPr"),
          words("cnfStyle tcW gridSpan hMerge vMerge tcBorders shd noWrap tcMar textDirection "
                "tcFitText vAlign hideMark headers cellIns cellDel cellMerge tcPrChange")},
+        {QStringLiteral("style"),
+         words("name aliases basedOn next link autoRedefine hidden uiPriority semiHidden "
+               "unhideWhenUsed qFormat locked personal personalCompose personalReply rsid pPr rPr "
+               "tblPr trPr tcPr tblStylePr")},
         {QStringLiteral("sectPr"),
          words("headerReference footerReference footnotePr endnotePr type pgSz pgMar paperSrc "
                "pgBorders lnNumType pgNumType cols formProt vAlign noEndnote titlePg textDirection "
@@ -52,7 +56,8 @@ const QMap<QString, QStringList>& childOrders()
 
 bool isRepeatable(const QString& child)
 {
-    return child == QLatin1String("headerReference") || child == QLatin1String("footerReference");
+    return child == QLatin1String("headerReference") || child == QLatin1String("footerReference") ||
+           child == QLatin1String("tblStylePr");
 }
 
 struct Relationship {
@@ -293,6 +298,7 @@ public:
                             m_styles, m_numberings, m_findings)
                     .check(part.content);
         }
+        checkStyleNames();
         checkCustomProperties();
         return m_findings;
     }
@@ -432,6 +438,24 @@ private:
                     xml.attributes().value(wordNamespace, QLatin1String(attribute)).toString());
         }
         return ids;
+    }
+
+    // Word compares the names without regard to case.
+    void checkStyleNames()
+    {
+        const QByteArray* content = m_document.find(QStringLiteral("word/styles.xml"));
+        QXmlStreamReader xml(content ? *content : QByteArray());
+        QSet<QString> names;
+        while (!xml.atEnd()) {
+            if (xml.readNext() != QXmlStreamReader::StartElement ||
+                xml.qualifiedName() != QLatin1String("w:name"))
+                continue;
+            const QString name =
+                xml.attributes().value(wordNamespace, QLatin1String("val")).toString();
+            if (names.contains(name.toLower()))
+                find(QStringLiteral("two styles are called %1").arg(name));
+            names.insert(name.toLower());
+        }
     }
 
     void checkCustomProperties()

@@ -25,10 +25,14 @@ HtmlNode superscript(const QString& text)
     return HtmlNode::element(QStringLiteral("sup"), {HtmlNode::textNode(text)});
 }
 
+bool isAnchor(const HtmlNode& node, const QString& name)
+{
+    return node.name == QLatin1String("a") && node.attributes.value(QStringLiteral("name")) == name;
+}
+
 bool holdsAnchor(const HtmlNode& node, const QString& name)
 {
-    return (node.name == QLatin1String("a") &&
-            node.attributes.value(QStringLiteral("name")) == name) ||
+    return isAnchor(node, name) ||
            std::any_of(node.children.cbegin(), node.children.cend(),
                        [&](const HtmlNode& child) { return holdsAnchor(child, name); });
 }
@@ -139,6 +143,18 @@ void fillFrontMatter(HtmlNode& article, const PublicationMetadata& metadata)
 {
     replaceParagraph(article, QStringLiteral("vexa_authors"), authorLine(metadata));
     replaceParagraph(article, QStringLiteral("vexa_addresses"), addressLines(metadata));
+}
+
+QString articleTitle(const HtmlNode& article)
+{
+    if (isAnchor(article, QStringLiteral("vexa_title")))
+        return article.plainText().simplified();
+    for (const HtmlNode& child : article.children) {
+        const QString title = articleTitle(child);
+        if (!title.isEmpty())
+            return title;
+    }
+    return {};
 }
 
 } // namespace wordbridge

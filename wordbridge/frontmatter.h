@@ -13,4 +13,7 @@ namespace wordbridge
 // nothing is known. Places that the article does not have stay unfilled.
 void fillFrontMatter(HtmlNode& article, const PublicationMetadata& metadata);
 
+// The text in the place vexa_title; empty if there is none.
+QString articleTitle(const HtmlNode& article);
+
 } // namespace wordbridge

@@ -110,7 +110,7 @@ QString OdtStyles::cell(const CellFormat& format)
     const QString thin = QStringLiteral("0.5pt solid #000000");
     const QString below = format.ruleBelow ? thick : format.thinRuleBelow ? thin : none;
     const QString properties = attribute("fo:padding-left", QStringLiteral("0.08cm")) +
-                               attribute("fo:padding-right", QStringLiteral("0.08cm")) +
+                               attribute("fo:padding-right", QStringLiteral("0.2cm")) +
                                attribute("fo:padding-top", QStringLiteral("0cm")) +
                                attribute("fo:padding-bottom", QStringLiteral("0cm")) +
                                attribute("fo:border-left", none) +

@@ -54,23 +54,30 @@ QProcessEnvironment jobEnvironment(const OfficeJob& job, const QString& reportPa
 }
 
 // Waits for the end of the process as long as its report grows. False if it stopped growing.
-bool waitWhileReporting(QProcess& process, const QString& reportPath,
-                        std::chrono::milliseconds patience)
+bool waitWhileReporting(QProcess& process, const QString& reportPath, const Patience& patience)
 {
     constexpr int glance = 200; // milliseconds
     qint64 reported = 0;
-    QElapsedTimer silence;
-    silence.start();
+    bool isSilent = true;
+    QElapsedTimer sinceStart;
+    QElapsedTimer sinceReport;
+    sinceStart.start();
+    sinceReport.start();
     while (!process.waitForFinished(glance)) {
         if (process.state() == QProcess::NotRunning)
             return true;
         const qint64 size = QFileInfo(reportPath).size();
         if (size != reported) {
             reported = size;
-            silence.restart();
+            sinceReport.restart();
         }
-        if (silence.hasExpired(patience.count()))
+        if (sinceReport.hasExpired(patience.withoutProgress.count()))
             return false;
+        if (isSilent && sinceStart.hasExpired(patience.inSilence.count())) {
+            isSilent = false;
+            if (patience.stillWorking)
+                patience.stillWorking();
+        }
     }
     return true;
 }
@@ -137,7 +144,7 @@ std::optional<QString> findOffice()
 }
 
 OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
-                       std::chrono::milliseconds patience)
+                       const Patience& patience)
 {
     const QString reportPath = job.workFolder + QStringLiteral("/report");
     QFile::remove(reportPath);
@@ -161,20 +168,27 @@ OfficeResult runOffice(const QString& office, const OfficeProfile& profile, cons
         process.killSession();
         OfficeResult result = readReport(reportPath);
         result.timedOut = true;
+        const auto waited =
+            std::chrono::duration_cast<std::chrono::seconds>(patience.withoutProgress);
         result.failure =
-            QStringLiteral("LibreOffice did not answer for %1 seconds")
-                .arg(std::chrono::duration_cast<std::chrono::seconds>(patience).count());
+            QStringLiteral("LibreOffice did not answer for %1 seconds").arg(waited.count());
         return result;
     }
     return readReport(reportPath);
 }
 
-bool openInOffice(const QString& office, const QString& document)
+bool openDocument(const std::optional<QString>& office, const QString& document)
 {
+    const QString desktops = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (!office && desktops.isEmpty())
+        return false;
     QProcess process;
-    process.setProgram(office);
-    process.setArguments({QStringLiteral("--nologo"), QStringLiteral("--writer"), document});
-    // Not our output: whoever reads that would wait until the user closes LibreOffice.
+    process.setProgram(office.value_or(desktops));
+    if (office)
+        process.setArguments({QStringLiteral("--nologo"), QStringLiteral("--writer"), document});
+    else
+        process.setArguments({document});
+    // Not our output: whoever reads that would wait until the user closes the document.
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

@@ -4,6 +4,7 @@
 #include "wordbridge/officeprofile.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <QString>
 #include <QStringList>
@@ -31,13 +32,20 @@ struct OfficeResult {
 // Nothing if there is none that can be run.
 std::optional<QString> findOffice();
 
-// Runs `office` on the job, without a window and without the user's profile, in a session of its
-// own. When it reports no progress for `patience`, it is ended and `timedOut` is set.
-OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
-                       std::chrono::milliseconds patience);
+// How long to wait for LibreOffice.
+struct Patience {
+    std::chrono::milliseconds withoutProgress{60000}; // then it is ended
+    std::chrono::milliseconds inSilence{3000};        // then `stillWorking` is called, once
+    std::function<void()> stillWorking;
+};
 
-// Opens a document in the user's own LibreOffice and returns at once. False if it cannot be
-// started.
-bool openInOffice(const QString& office, const QString& document);
+// Runs `office` on the job, without a window and without the user's profile, in a session of its
+// own. When it reports no progress for too long, it is ended and `timedOut` is set.
+OfficeResult runOffice(const QString& office, const OfficeProfile& profile, const OfficeJob& job,
+                       const Patience& patience);
+
+// Opens a document in the user's own LibreOffice, or without one in what the desktop opens such
+// documents with, and returns at once. False if there is nothing to open it with.
+bool openDocument(const std::optional<QString>& office, const QString& document);
 
 } // namespace wordbridge

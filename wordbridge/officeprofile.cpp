@@ -1,6 +1,7 @@
 #include "wordbridge/officeprofile.h"
 
 #include "wordbridge/error.h"
+#include "wordbridge/files.h"
 #include "wordbridge/resources.h"
 
 #include <fcntl.h>
@@ -69,15 +70,6 @@ bool hasContent(const QString& path, const QByteArray& content)
     return file.open(QIODevice::ReadOnly) && file.readAll() == content;
 }
 
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    const bool written = QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
-                         file.write(content) == content.size() && file.flush();
-    if (!written)
-        throw Error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-}
-
 } // namespace
 
 std::unique_ptr<OfficeProfile> OfficeProfile::kept(const QString& cacheFolder)
@@ -105,11 +97,7 @@ std::unique_ptr<OfficeProfile> OfficeProfile::kept(const QString& cacheFolder)
 std::unique_ptr<OfficeProfile> OfficeProfile::temporary()
 {
     std::unique_ptr<OfficeProfile> profile(new OfficeProfile);
-    profile->m_temporary = std::make_unique<QTemporaryDir>(
-        QDir::tempPath() + QStringLiteral("/vexaword-libreoffice-XXXXXX"));
-    if (!profile->m_temporary->isValid())
-        throw Error(QStringLiteral("cannot make a folder for LibreOffice in %1: %2")
-                        .arg(QDir::tempPath(), profile->m_temporary->errorString()));
+    profile->m_temporary = makeWorkFolder();
     profile->m_path = profile->m_temporary->path();
     profile->fill();
     return profile;
@@ -121,10 +109,9 @@ OfficeProfile::~OfficeProfile()
         ::close(m_lock);
 }
 
-void OfficeProfile::renew()
+void OfficeProfile::discard()
 {
     QDir(m_path).removeRecursively();
-    fill();
 }
 
 // LibreOffice rewrites these files with contents of its own now and then (its settings grow at

@@ -26,8 +26,9 @@ public:
 
     const QString& path() const { return m_path; }
 
-    // Removes everything from the profile and fills it anew; for one that LibreOffice failed with.
-    void renew();
+    // Removes the profile's content, so that the next one starts afresh; for one that LibreOffice
+    // failed with. Does what it can.
+    void discard();
 
 private:
     OfficeProfile() = default;

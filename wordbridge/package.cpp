@@ -103,7 +103,7 @@ void Package::write(const QString& path) const
         addEntry(archive.get(), part, path);
     if (zip_close(archive.get()) != 0)
         throw Error(complaint.arg(path, QString::fromUtf8(zip_strerror(archive.get()))));
-    archive.release(); // closed, and with that freed
+    static_cast<void>(archive.release()); // closed, and with that freed
 }
 
 QStringList Package::names() const

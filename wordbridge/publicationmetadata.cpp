@@ -19,9 +19,18 @@ QString between(const QString& text, const QString& opening, const QString& clos
     return end < 0 ? QString() : text.mid(start + opening.size(), end - start - opening.size());
 }
 
-QString element(const QString& text, const QString& name)
+QString contentOf(const QString& text, const QString& name)
 {
     return between(text, '<' + name + '>', "</" + name + '>');
+}
+
+// An element as XML; nothing if it would be empty.
+QByteArray element(const char* name, const QByteArray& attributes, const QString& content)
+{
+    if (content.isEmpty())
+        return {};
+    return QByteArray("<") + name + attributes + '>' +
+           allowedInXml(content).toHtmlEscaped().toUtf8() + "</" + name + '>';
 }
 
 // The whole block, from its opening tag to its end tag.
@@ -112,9 +121,9 @@ PublicationMetadata readPublicationMetadata(const QByteArray& bytes)
     if (journalLength < 0)
         metadata.remarks.push_back(QStringLiteral("the element vexa:publjnl does not end"));
     const QString journal = text.left(journalLength);
-    metadata.journal = element(journal, QStringLiteral("jnlname"));
-    metadata.category = element(journal, QStringLiteral("jnlcategory"));
-    metadata.field = element(journal, QStringLiteral("jnlfield"));
+    metadata.journal = contentOf(journal, QStringLiteral("jnlname"));
+    metadata.category = contentOf(journal, QStringLiteral("jnlcategory"));
+    metadata.field = contentOf(journal, QStringLiteral("jnlfield"));
 
     const QString blocks = text.mid(journalLength < 0 ? 0 : journalLength + journalEnd.size());
     metadata.authorsXml = block(blocks, QStringLiteral("vexa:authors"), metadata);
@@ -130,17 +139,32 @@ QByteArray manuscriptXml(const PublicationMetadata& metadata)
 {
     QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<manuscript xmlns=\"" +
                      manuscriptNamespace.toUtf8() + "\">";
-    const auto add = [&xml](const char* name, const QString& value) {
-        if (!value.isEmpty())
-            xml += QStringLiteral("<%1>%2</%1>")
-                       .arg(QLatin1String(name), allowedInXml(value).toHtmlEscaped())
-                       .toUtf8();
-    };
-    add("journal", metadata.journal);
-    add("category", metadata.category);
-    add("field", metadata.field);
+    for (const auto& [name, value] :
+         {std::pair{"journal", metadata.journal}, std::pair{"category", metadata.category},
+          std::pair{"field", metadata.field}})
+        xml += element(name, {}, value);
     xml += metadata.authorsXml.toUtf8() + metadata.addressesXml.toUtf8() + "</manuscript>";
     return xml;
+}
+
+QByteArray openDocumentMeta(const PublicationMetadata& metadata, const QString& title)
+{
+    QStringList authors;
+    for (const Author& author : metadata.authors)
+        authors.push_back(author.name());
+    QByteArray xml =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<office:document-meta "
+        "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+        "xmlns:meta=\"urn:oasis:names:tc:opendocument:xmlns:meta:1.0\" "
+        "xmlns:dc=\"http://purl.org/dc/elements/1.1/\" office:version=\"1.3\"><office:meta>";
+    xml += element("dc:title", {}, title);
+    xml += element("meta:initial-creator", {}, authors.join(QStringLiteral(", ")));
+    xml += element("dc:creator", {}, authors.join(QStringLiteral(", ")));
+    for (const auto& [name, value] :
+         {std::pair{"Journal", metadata.journal}, std::pair{"Category", metadata.category},
+          std::pair{"Field", metadata.field}})
+        xml += element("meta:user-defined", QByteArray(" meta:name=\"") + name + '"', value);
+    return xml + "</office:meta></office:document-meta>";
 }
 
 } // namespace wordbridge

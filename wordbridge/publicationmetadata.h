@@ -48,4 +48,7 @@ PublicationMetadata readPublicationMetadata(const QByteArray& bytes);
 // `journal`, `category`, `field` (as far as they are not empty) and the two blocks.
 QByteArray manuscriptXml(const PublicationMetadata& metadata);
 
+// The properties that the template's macro sets, as the meta.xml of an OpenDocument text.
+QByteArray openDocumentMeta(const PublicationMetadata& metadata, const QString& title);
+
 } // namespace wordbridge

@@ -143,7 +143,9 @@ struct Wishes {
 
 Wishes columnWishes(const TableLayout& layout, std::size_t columns)
 {
-    Wishes wishes{std::vector<int>(columns, 1 + cellMargin),
+    // A column of short values, or one still to be filled in, is not squeezed to the page's edge.
+    const int fairShare = lineLength * 2 / (5 * static_cast<int>(columns));
+    Wishes wishes{std::vector<int>(columns, std::max(fairShare, 1 + cellMargin)),
                   std::vector<int>(columns, 1 + cellMargin)};
     for (const TableRow& row : layout.rows) {
         for (std::size_t c = 0; c < columns; ++c) {

@@ -1,11 +1,11 @@
 #include "wordtemplate/templatepackage.h"
 
 #include "wordbridge/error.h"
+#include "wordbridge/files.h"
 #include "wordtemplate/vbaproject.h"
 
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -16,14 +16,6 @@ namespace
 {
 
 const QString contentTypes = QStringLiteral("[Content_Types].xml");
-
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw wordbridge::Error(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    return file.readAll();
-}
 
 // Word reads an indented part as well, but white space between runs would become text in some
 // places.
@@ -78,10 +70,10 @@ QByteArray buildVbaProject(const QString& macrosFolder)
 {
     const QDir folder(macrosFolder);
     std::vector<VbaModule> modules;
-    modules.push_back(
-        readVbaModule(readFile(folder.filePath(QStringLiteral("ThisDocument.cls"))), true));
+    modules.push_back(readVbaModule(
+        wordbridge::readFile(folder.filePath(QStringLiteral("ThisDocument.cls"))), true));
     for (const QString& name : folder.entryList({QStringLiteral("*.bas")}, QDir::Files, QDir::Name))
-        modules.push_back(readVbaModule(readFile(folder.filePath(name)), false));
+        modules.push_back(readVbaModule(wordbridge::readFile(folder.filePath(name)), false));
     return writeVbaProject(QStringLiteral("VexaWord"), modules);
 }
 
@@ -97,7 +89,7 @@ wordbridge::Package buildTemplate(const QString& partsFolder, const QString& mac
     wordbridge::Package package;
     for (const QString& name : names) {
         const QString path = QDir(partsFolder).filePath(name);
-        package.set(name, compactXml(readFile(path), path));
+        package.set(name, compactXml(wordbridge::readFile(path), path));
     }
     package.set(QStringLiteral("word/vbaProject.bin"), buildVbaProject(macrosFolder));
     return package;

@@ -1,10 +1,12 @@
 #include "desk.h"
 
-#include <gtest/gtest.h>
+#include "wordbridge/files.h"
+
+#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QProcess>
+#include <QElapsedTimer>
+#include <QStandardPaths>
+#include <QThread>
 
 namespace
 {
@@ -40,12 +42,12 @@ QString Desk::resources() const
 
 void Desk::writeArticle(const QByteArray& html)
 {
-    writeFile(articlePath(), html);
+    wordbridge::writeFile(articlePath(), html);
 }
 
 void Desk::writeMetadata(const QString& xml)
 {
-    writeFile(metadataPath(), encodedTwice(xml));
+    wordbridge::writeFile(metadataPath(), encodedTwice(xml));
 }
 
 void Desk::writeScript(const QString& templatePath, const QString& article)
@@ -57,7 +59,7 @@ void Desk::writeScript(const QString& templatePath, const QString& article)
         "    create new document attached template (POSIX file \"%1\") as string\n    delay 1\n"
         "    insert file at text object of selection file name (POSIX file \"%2\") as string\n"
         "    run VB macro macro name \"Vexa_authors.VexaM_setInitialXmlData\"\nend tell\n");
-    writeFile(scriptPath(), encodedTwice(script.arg(templatePath, article)));
+    wordbridge::writeFile(scriptPath(), encodedTwice(script.arg(templatePath, article)));
 }
 
 RunResult Desk::run()
@@ -67,23 +69,40 @@ RunResult Desk::run()
 
 RunResult Desk::run(const QStringList& arguments)
 {
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(bundle + QStringLiteral("/osascript"), arguments);
+    const std::unique_ptr<QProcess> process = start(arguments);
     RunResult run;
-    EXPECT_TRUE(process.waitForFinished(longestRun)) << "osascript did not end";
-    run.exitCode = process.exitCode();
-    run.output = QString::fromUtf8(process.readAllStandardOutput());
-    run.errors = QString::fromUtf8(process.readAllStandardError());
+    EXPECT_TRUE(process->waitForFinished(longestRun)) << "osascript did not end";
+    run.exitCode = process->exitCode();
+    run.output = QString::fromUtf8(process->readAllStandardOutput());
+    run.errors = QString::fromUtf8(process->readAllStandardError());
     return run;
 }
 
-void writeFile(const QString& path, const QByteArray& content)
+std::unique_ptr<QProcess> Desk::start(const QStringList& arguments) const
 {
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    ASSERT_EQ(file.write(content), content.size());
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(environment);
+    process->start(bundle + QStringLiteral("/osascript"), arguments);
+    return process;
+}
+
+void OfficeTest::SetUp()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
+        GTEST_SKIP() << "skipped: LibreOffice is not installed";
+}
+
+bool isWaitedFor(const std::function<bool()>& condition)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.hasExpired(60000))
+            return false;
+        QCoreApplication::processEvents();
+        QThread::msleep(20);
+    }
+    return true;
 }
 
 QByteArray encodedTwice(const QString& text)
@@ -96,4 +115,11 @@ QString textOf(const wordbridge::Package& package, const char* part)
     const QByteArray* content = package.find(QLatin1String(part));
     EXPECT_NE(content, nullptr) << part;
     return content ? QString::fromUtf8(*content) : QString();
+}
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
 }

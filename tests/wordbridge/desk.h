@@ -3,7 +3,11 @@
 
 #include "wordbridge/package.h"
 
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
 #include <QByteArray>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QTemporaryDir>
@@ -41,6 +45,9 @@ public:
     RunResult run();
     RunResult run(const QStringList& arguments);
 
+    // The same without waiting for the end.
+    std::unique_ptr<QProcess> start(const QStringList& arguments) const;
+
     // Of the runs. A profile of LibreOffice in the cache is shared by all desks of a test program.
     QProcessEnvironment environment;
 
@@ -50,8 +57,17 @@ private:
     QTemporaryDir m_folder;
 };
 
-// Writes a file, making its folder.
-void writeFile(const QString& path, const QByteArray& content);
+// A test that needs LibreOffice; skipped where it is not installed.
+class OfficeTest : public testing::Test
+{
+protected:
+    void SetUp() override;
+
+    Desk desk;
+};
+
+// Waits until a condition holds, letting events pass. False if it does not hold within a minute.
+bool isWaitedFor(const std::function<bool()>& condition);
 
 // Text encoded as the program encodes the files for Word: twice.
 QByteArray encodedTwice(const QString& text);

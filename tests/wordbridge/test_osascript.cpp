@@ -3,19 +3,20 @@
 #include "print.h"
 
 #include "wordbridge/docxcheck.h"
+#include "wordbridge/files.h"
 
 #include <gtest/gtest.h>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
+#include <QProcess>
 #include <QXmlStreamReader>
 
 namespace
 {
 
 using wordbridge::Package;
+using wordbridge::writeFile;
 
 const QByteArray article =
     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -98,22 +99,14 @@ QString property(const Package& document, const QString& name)
     return {};
 }
 
-class Osascript : public testing::Test
+class Osascript : public OfficeTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("soffice")).isEmpty())
-            GTEST_SKIP() << "skipped: LibreOffice is not installed";
-    }
-
     Osascript()
     {
         desk.writeArticle(article);
         desk.writeMetadata(journal + authors + addresses);
     }
-
-    Desk desk;
 };
 
 TEST_F(Osascript, MakesTheManuscript)
@@ -173,6 +166,57 @@ TEST_F(Osascript, MakesADocumentThatWordAccepts)
     EXPECT_TRUE(styles.contains(QLatin1String("w:val=\"Guidance\"")));
 }
 
+// An author edits and saves before an editorial system reads the metadata.
+TEST_F(Osascript, MakesADocumentThatKeepsItsMetadataWhenSavedAgain)
+{
+    const QString document = desk.run().document();
+    const QString again = desk.home() + QStringLiteral("/again");
+    QProcess office;
+    office.setProcessEnvironment(desk.environment);
+    office.start(QStringLiteral("soffice"),
+                 {QStringLiteral("--headless"), QStringLiteral("--convert-to"),
+                  QStringLiteral("docx"), QStringLiteral("--outdir"), again, document});
+    ASSERT_TRUE(office.waitForFinished(60000));
+    const Package saved = Package::read(again + QLatin1Char('/') + QFileInfo(document).fileName());
+    EXPECT_EQ(property(saved, QStringLiteral("Journal")),
+              QStringLiteral("Revue d'été & Söhne <B>"));
+    QStringList metadataParts;
+    for (const wordbridge::Part& part : saved.parts()) {
+        if (part.name.startsWith(QLatin1String("customXml/item")) &&
+            QString::fromUtf8(part.content).contains(QStringLiteral("Łucja")))
+            metadataParts.push_back(part.name);
+    }
+    EXPECT_EQ(metadataParts.size(), 1);
+    EXPECT_EQ(paragraphsOf(saved).size(), paragraphsOf(Package::read(document)).size());
+}
+
+// The fallback without LibreOffice is a document that LibreOffice opens as what it should be.
+TEST_F(Osascript, MakesAnOpenDocumentThatLibreOfficeReads)
+{
+    desk.environment.insert(QStringLiteral("VEXAWORD_OFFICE"), QStringLiteral("/nosuch"));
+    const QString document = desk.run().document();
+    ASSERT_TRUE(document.endsWith(QLatin1String(".odt")));
+    QProcess office;
+    office.setProcessEnvironment(desk.environment);
+    office.start(QStringLiteral("soffice"),
+                 {QStringLiteral("--headless"), QStringLiteral("--convert-to"),
+                  QStringLiteral("docx"), QStringLiteral("--outdir"), desk.home(), document});
+    ASSERT_TRUE(office.waitForFinished(60000));
+    const Package read =
+        Package::read(desk.home() + QLatin1Char('/') + QFileInfo(document).completeBaseName() +
+                      QStringLiteral(".docx"));
+    const QString text = joined(read);
+    EXPECT_TRUE(text.contains(QLatin1String("Title: Structure of trans-"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(
+        QStringLiteral("\nAuthors: J. Müller & Sohn^{a}, Łucja Żak^{a,b*} and Plato^{†}\n")))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(QLatin1String("\nHeading1: Abstract\n"))) << text.toStdString();
+    EXPECT_EQ(property(read, QStringLiteral("Journal")), QStringLiteral("Revue d'été & Söhne <B>"));
+    EXPECT_TRUE(textOf(read, "docProps/core.xml").contains(QStringLiteral("Łucja Żak, Plato")));
+    EXPECT_TRUE(text.contains(QLatin1String("\nCaption: Table 1. Experimental details\n")))
+        << text.toStdString();
+}
+
 TEST_F(Osascript, NeverReplacesADocument)
 {
     const QString first = desk.run().document();
@@ -228,6 +272,31 @@ TEST_F(Osascript, MakesTheManuscriptFromHalfWrittenMetadataAndSaysSo)
     EXPECT_EQ(wordbridge::checkWordDocument(document), QStringList());
 }
 
+TEST_F(Osascript, MakesTheManuscriptFromMalformedMetadataAndSaysSo)
+{
+    QString malformed = authors;
+    malformed.replace(QLatin1String("Plato</vexa:family>"), QLatin1String("Plato"));
+    desk.writeMetadata(journal + malformed + addresses);
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.errors.contains(QLatin1String("vexa:author is damaged")))
+        << run.errors.toStdString();
+    const Package document = Package::read(run.document());
+    EXPECT_TRUE(joined(document).contains(
+        QLatin1String("Guidance: The file macstart.xml holds an author without a name.")))
+        << joined(document).toStdString();
+    EXPECT_EQ(wordbridge::checkWordDocument(document), QStringList());
+}
+
+TEST_F(Osascript, ReadsMetadataThatIsEncodedOnce)
+{
+    writeFile(desk.metadataPath(), (journal + authors + addresses).toUtf8());
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.errors, QString());
+    EXPECT_TRUE(joined(Package::read(run.document()))
+                    .contains(QStringLiteral("Müller & Sohn^{a}, Łucja Żak")));
+}
+
 TEST_F(Osascript, AsksForAuthorsWhereAReadyMadeTemplateHasNone)
 {
     desk.writeMetadata(journal);
@@ -245,6 +314,29 @@ TEST_F(Osascript, InsertsTextThatIsNoArticle)
     EXPECT_TRUE(run.document().endsWith(
         QStringLiteral("Manuscript – Revue d'été & Söhne _B_ research papers.docx")));
     EXPECT_EQ(joined(Package::read(run.document())), QStringLiteral("TextBody: PROCESS TIMED OUT"));
+}
+
+TEST_F(Osascript, EmbedsImages)
+{
+    desk.writeArticle(
+        "<title>T</title><p><img alt=\"plot\" src=\"data:image/png;base64,"
+        "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJ"
+        "RU5ErkJggg==\">");
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.errors, QString());
+    const Package document = Package::read(run.document());
+    EXPECT_EQ(document.names().filter(QStringLiteral("word/media/")).size(), 1);
+    EXPECT_TRUE(textOf(document, "word/document.xml").contains(QLatin1String("<w:drawing")));
+}
+
+TEST_F(Osascript, SaysThatTheArticleIsEmpty)
+{
+    desk.writeArticle("<html><head><title>T</title></head><body> </body></html>");
+    const RunResult run = desk.run();
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.errors.contains(QLatin1String("the article is empty")))
+        << run.errors.toStdString();
+    EXPECT_TRUE(run.document().endsWith(QStringLiteral("/Manuscript – T.docx")));
 }
 
 TEST_F(Osascript, ReportsAStatementThatItDoesNotKnow)
@@ -300,10 +392,3 @@ TEST_F(Osascript, KeepsALog)
 }
 
 } // namespace
-
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -209,6 +209,18 @@ TEST(DocumentCheck, FindsDefectsOfThePackage)
     EXPECT_FALSE(checkWordDocument({}).isEmpty());
 }
 
+TEST(DocumentCheck, FindsStylesOfTheSameName)
+{
+    Package document = documentWith("<w:p/>");
+    document.set(QStringLiteral("word/styles.xml"),
+                 xmlStart + "<w:styles" + wordNamespaces +
+                     "><w:style w:styleId=\"Caption\"><w:name w:val=\"Caption\"/></w:style>"
+                     "<w:style w:styleId=\"Caption1\"><w:name w:val=\"caption\"/></w:style>"
+                     "</w:styles>");
+    EXPECT_EQ(checkWordDocument(document),
+              QStringList(QStringLiteral("two styles are called caption")));
+}
+
 TEST(DocumentCheck, FindsWrongCustomProperties)
 {
     Package document = documentWith("<w:p/>");

@@ -1,3 +1,4 @@
+#include "wordbridge/docxcheck.h"
 #include "wordbridge/error.h"
 #include "wordtemplate/templatepackage.h"
 #include "wordtemplate/vbacompression.h"
@@ -55,6 +56,14 @@ TEST(Template, ConsistsOfWellFormedParts)
     }
 }
 
+// Judged like a document, it has no other fault than being a template with macros.
+TEST(Template, ConsistsOfPartsThatWordAccepts)
+{
+    EXPECT_EQ(wordbridge::checkWordDocument(Package::read(built)).join('\n').toStdString(),
+              "word/document.xml holds macros\nword/vbaProject.bin holds macros\n"
+              "word/document.xml is not of the type of a Word document");
+}
+
 TEST(Template, HasTheStylesOfAManuscript)
 {
     const Package package = Package::read(built);
@@ -63,7 +72,7 @@ TEST(Template, HasTheStylesOfAManuscript)
     for (const char* name :
          {"Title", "Authors", "Addresses", "Abstract", "heading 1", "heading 2", "heading 3",
           "Body Text", "Guidance", "Caption", "Table Head", "Table Group", "Table Text",
-          "Table Note", "Bibliography", "footer", "line number"})
+          "Table Note", "Bibliography", "footer", "Line Number"})
         EXPECT_TRUE(styles->contains(QByteArray("<w:name w:val=\"") + name + '"')) << name;
 }
 

@@ -53,8 +53,20 @@ Private Sub ReadMetadata()
         remark = "The file macstart.xml does not hold all authors."
     ElseIf CountOf(addressesXml, "<vexa:address ") < Val(AttributeValue(addressesXml, "count")) Then
         remark = "The file macstart.xml does not hold all addresses."
+    ElseIf HasAuthorWithoutName() Then
+        remark = "The file macstart.xml holds an author without a name."
     End If
 End Sub
+
+Private Function HasAuthorWithoutName() As Boolean
+    Dim authors() As String
+    Dim i As Long
+
+    authors = Split(authorsXml, "<vexa:author ")
+    For i = 1 To UBound(authors)
+        If AuthorName(authors(i)) = "" Then HasAuthorWithoutName = True
+    Next
+End Function
 
 ' Whether a block begins in the text and does not end there.
 Private Function Cut(ByVal text As String, ByVal opening As String, ByVal found As String) As Boolean
@@ -541,10 +553,12 @@ End Sub
 ' ---------------------------------------------------------------------------
 ' What is left
 
-' In LibreOffice the companion osascript does the same by its own means. Late bound, so that a member
-' that some version of Word lacks is an error at run time, which is passed over.
+' Word inserts the article as HTML by itself and knows neither our tables nor our captions. In
+' LibreOffice the companion osascript sees to both. Late bound, so that a member that some version of
+' Word lacks is an error at run time, which is passed over.
 Private Sub FinishInWord()
     Dim document As Object
+    Dim captions As Long
     Dim i As Long
 
     If Val(Application.Version) < 14 Then Exit Sub ' LibreOffice calls itself 11
@@ -553,16 +567,49 @@ Private Sub FinishInWord()
     document.CustomXMLParts.Add ManuscriptXml()
     For i = 1 To document.Tables.Count
         FinishTableInWord document.Tables(i)
+        FinishCaptionInWord document.Tables(i).Range.Paragraphs(1).Previous, captions
     Next
-    document.Fields.Update
 End Sub
 
+' As wide as the text, three rules, small type. Not by a paragraph style: Word would take the italics
+' from a cell that consists of nothing else.
 Private Sub FinishTableInWord(ByVal table As Object)
     On Error Resume Next
     table.PreferredWidthType = 2 ' per cent
     table.PreferredWidth = 100
-    table.Rows(1).HeadingFormat = True
     table.Rows.AllowBreakAcrossPages = False
+    table.Range.Font.Size = 9.5
+    table.Range.ParagraphFormat.SpaceBefore = 1
+    table.Range.ParagraphFormat.SpaceAfter = 1
+    table.Range.ParagraphFormat.LineSpacingRule = 0 ' single
+    table.Borders.Enable = False
+    DrawRule table, -1, 8
+    If table.Rows(1).HeadingFormat = True Then DrawRule table.Rows(1), -3, 4
+    DrawRule table, -3, 8
+End Sub
+
+' Edge -1 is the upper one, -3 the lower one; the width is in eighths of a point.
+Private Sub DrawRule(ByVal tableOrRow As Object, ByVal edge As Long, ByVal width As Long)
+    On Error Resume Next
+    tableOrRow.Borders(edge).LineStyle = 1
+    tableOrRow.Borders(edge).LineWidth = width
+End Sub
+
+' "Table 3" becomes "Table " and a number field, if 3 is what the field counts to.
+Private Sub FinishCaptionInWord(ByVal caption As Object, captions As Long)
+    Dim number As Object
+    Dim digits As Long
+
+    On Error Resume Next
+    If caption Is Nothing Then Exit Sub
+    If Left(caption.Range.Text, 6) <> "Table " Then Exit Sub
+    caption.Style = "Caption"
+    If Val(Mid(caption.Range.Text, 7)) <> captions + 1 Then Exit Sub
+    captions = captions + 1
+    digits = Len(CStr(captions))
+    Set number = caption.Range
+    number.SetRange number.Start + 6, number.Start + 6 + digits
+    number.Document.Fields.Add number, -1, "SEQ Table \* ARABIC", False
 End Sub
 
 ' The metadata as one element, for editorial systems.
