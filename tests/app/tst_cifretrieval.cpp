@@ -47,6 +47,9 @@ private slots:
     void connectionRefused();
     void connectionReset();
     void anAnswerCutShortCountsByItsContent();
+    void aSlowAnswerCountsWhenItIsComplete();
+    void anAnswerThatNeverComesIsPendingForGood();
+    void aHugeAnswerIsStored();
     void anUnwritableWorkingCopyTellsThePageNothing();
     void twoAtOnce_data();
     void twoAtOnce();
@@ -307,6 +310,44 @@ void tst_CifRetrieval::anAnswerCutShortCountsByItsContent()
     application->getPdbCif(QStringLiteral("1abc"));
     QTRY_COMPARE(responses(), QStringList({ok}));
     QCOMPARE(workingCopy(), mmCif);
+}
+
+void tst_CifRetrieval::aSlowAnswerCountsWhenItIsComplete()
+{
+    LoopbackProxy::Answer answer;
+    answer.bytes = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\ndata_1ABC\n_enti";
+    answer.ending = LoopbackProxy::Ending::KeepOpen;
+    proxy->answer(pdb + "1abc.cif", answer);
+    application->getPdbCif(QStringLiteral("1abc"));
+    QTRY_COMPARE(proxy->heads.size(), 1);
+    application->getPdbCif(QStringLiteral("none"));
+    QTRY_COMPARE(responses(), QStringList({failed})); // of the second one
+    proxy->finish(pdb + "1abc.cif", "ty.id 1\n");
+    QTRY_COMPARE(responses(), QStringList({failed, ok}));
+    QCOMPARE(workingCopy(), mmCif);
+}
+
+void tst_CifRetrieval::anAnswerThatNeverComesIsPendingForGood()
+{
+    putPreviousCif();
+    LoopbackProxy::Answer answer;
+    answer.ending = LoopbackProxy::Ending::KeepOpen;
+    proxy->answer(pdb + "1abc.cif", answer);
+    application->getPdbCif(QStringLiteral("1abc"));
+    QTRY_COMPARE(proxy->heads.size(), 1);
+    application->getPdbCif(QStringLiteral("none"));
+    QTRY_COMPARE(responses(), QStringList({failed})); // of the second one
+    QVERIFY(previousCifIsUntouched());
+    QCOMPARE(application->findChildren<QNetworkReply*>().size(), 1);
+}
+
+void tst_CifRetrieval::aHugeAnswerIsStored()
+{
+    const QByteArray body = mmCif + QByteArray(200000000, '#');
+    proxy->answer(pdb + "1abc.cif", LoopbackProxy::page(body));
+    application->getPdbCif(QStringLiteral("1abc"));
+    QTRY_COMPARE_WITH_TIMEOUT(responses(), QStringList({ok}), 60000);
+    QCOMPARE(workingCopy().size(), body.size());
 }
 
 void tst_CifRetrieval::anUnwritableWorkingCopyTellsThePageNothing()

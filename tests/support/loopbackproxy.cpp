@@ -51,10 +51,20 @@ void LoopbackProxy::read(QTcpSocket* socket)
     const QByteArray url = head.split(' ').value(1);
     received.remove(socket);
     const Answer answer = answers.value(url, page(QByteArray(), "404 Not Found"));
+    if (answer.ending == Ending::KeepOpen)
+        keptOpen.insert(url, socket);
     if (answer.held)
         waiting.append({url, socket});
     else
         send(socket, answer);
+}
+
+void LoopbackProxy::finish(const QByteArray& url, const QByteArray& bytes)
+{
+    if (QTcpSocket* socket = keptOpen.take(url)) {
+        socket->write(bytes);
+        socket->disconnectFromHost();
+    }
 }
 
 void LoopbackProxy::release(const QByteArray& url)

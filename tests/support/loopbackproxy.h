@@ -42,6 +42,9 @@ public:
     // Sends the held answer to the oldest request for the URL that waits for it.
     void release(const QByteArray& url);
 
+    // Sends more of an answer that was kept open, and closes the connection.
+    void finish(const QByteArray& url, const QByteArray& bytes);
+
     // Request heads in the order of their arrival; the first line of each names the URL.
     QList<QByteArray> heads;
     QList<QByteArray> requestLines() const;
@@ -54,4 +57,5 @@ private:
     QHash<QByteArray, Answer> answers;
     QHash<QTcpSocket*, QByteArray> received;
     QList<QPair<QByteArray, QPointer<QTcpSocket>>> waiting;
+    QHash<QByteArray, QPointer<QTcpSocket>> keptOpen;
 };
