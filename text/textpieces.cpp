@@ -15,12 +15,26 @@ constexpr int streamBuffer = 16384;
 constexpr int pieceSize = 16 * streamBuffer; // fits a processor's cache
 constexpr int utf8Mib = 106;                 // the codec's number in the registry of character sets
 
+// Eight bytes at a time: every byte of every CIF comes past here.
 bool isPlainAscii(const QByteArray& bytes)
 {
-    unsigned char allBits = 0;
-    for (const char byte : bytes)
-        allBits |= static_cast<unsigned char>(byte);
-    return allBits < 0x80;
+    const char* next = bytes.constData();
+    const char* const end = next + bytes.size();
+    quint64 allBits = 0;
+    for (quint64 eight; end - next >= 8; next += 8) {
+        std::memcpy(&eight, next, 8);
+        allBits |= eight;
+    }
+    for (; next < end; ++next)
+        allBits |= static_cast<unsigned char>(*next);
+    return (allBits & 0x8080808080808080u) == 0;
+}
+
+void removeCarriageReturns(QByteArray* bytes)
+{
+    if (bytes->contains('\r'))
+        bytes->resize(
+            static_cast<int>(std::remove(bytes->begin(), bytes->end(), '\r') - bytes->begin()));
 }
 } // namespace
 
@@ -51,7 +65,7 @@ bool TextReader::next(TextPiece* piece)
     // The first piece always goes through the decoder, which looks for a byte-order mark there.
     piece->isAscii = isUtf8 && isAscii && isBetweenCharacters;
     if (piece->isAscii) {
-        piece->ascii.replace('\r', QByteArray());
+        removeCarriageReturns(&piece->ascii);
         return true;
     }
     piece->characters.clear();
