@@ -83,5 +83,5 @@ function(vexa_add_test name)
         LABELS "${arg_LABELS}"
         TIMEOUT ${arg_TIMEOUT}
         # CIFs to try the programs on; tests that want them say "skipped" where they are absent.
-        ENVIRONMENT "VEXA_CIF_COLLECTION=${PROJECT_SOURCE_DIR}/../shared/cif;LC_ALL=C.UTF-8")
+        ENVIRONMENT "VEXA_CIF_COLLECTION=${PROJECT_SOURCE_DIR}/../shared/cif;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
 endfunction()

@@ -87,6 +87,12 @@ webWidget::webWidget(const QString& options, QWidget* parent)
     }
 }
 
+// The view goes while the window is still whole: a load that ends with its page is reported to it.
+webWidget::~webWidget()
+{
+    delete view;
+}
+
 // Left to right: drag handle (stretching), info, minimise, maximise, close.
 QHBoxLayout* webWidget::buildTitleRow()
 {

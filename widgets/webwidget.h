@@ -30,6 +30,7 @@ class webWidget : public QFrame
 public:
     // Hidden, without a page, staying on top of other windows until the owner sets other flags.
     webWidget(const QString& options, QWidget* parent);
+    ~webWidget() override;
 
     // The view that shows the page; owned by the window.
     QWebView* webView() const { return view; }
