@@ -20,28 +20,34 @@ const char* name_of(Kind kind)
     return kind == Kind::scattering ? "a CIF of small-angle scattering" : "a macromolecular CIF";
 }
 
-Kind kind_for(Flavour flavour)
+Kind kind_for(ArticleKind kind)
 {
-    if (flavour == Flavour::small_molecule)
+    if (kind == ArticleKind::small_molecule)
         return Kind::core;
-    return flavour == Flavour::scattering ? Kind::scattering : Kind::macromolecular;
+    return kind == ArticleKind::scattering ? Kind::scattering : Kind::macromolecular;
 }
 
-void check_kind(const Document& document, Flavour flavour, Notes& notes)
+bool is_what_was_asked_for(const Document& document, const ArticleOptions& options)
 {
-    if (document.kind != kind_for(flavour))
-        notes.add({}, std::string("An article from ") + name_of(kind_for(flavour)) +
+    return !options.kind || kind_for(*options.kind) == document.kind;
+}
+
+void check_kind(const Document& document, const ArticleOptions& options, Notes& notes)
+{
+    if (!is_what_was_asked_for(document, options))
+        notes.add({}, std::string("An article from ") + name_of(kind_for(*options.kind)) +
                           " was asked for, but the file is " + name_of(document.kind) +
                           "; this is the article that can be made from it.");
 }
 
-Fields fields_of(const Document& document, const AuthorList& authors, Notes& notes)
+Fields fields_of(const Document& document, const AuthorList& authors, const ArticleOptions& options,
+                 Notes& notes)
 {
     if (document.kind == Kind::core)
-        return small_molecule_fields(document, authors, notes);
+        return small_molecule_fields(document, authors, options.geometry, notes);
     if (document.kind == Kind::scattering)
         return scattering_fields(document, authors, notes);
-    return macromolecule_fields(document, authors, notes);
+    return macromolecule_fields(document, authors, kind_of_article(document, options), notes);
 }
 
 const Vocabulary& vocabulary_of(Kind kind)
@@ -51,32 +57,58 @@ const Vocabulary& vocabulary_of(Kind kind)
     return kind == Kind::scattering ? scattering_vocabulary() : macromolecule_vocabulary();
 }
 
-ArticleTemplate template_for(const Document& document, Flavour flavour,
-                             const std::optional<ArticleTemplate>& small_molecule_template)
+const char* built_in_template_of(ArticleKind kind)
 {
-    if (document.kind == Kind::core)
-        return small_molecule_template ? *small_molecule_template
-                                       : ArticleTemplate::built_in("qlettemplate_word.html");
-    if (document.kind == Kind::scattering)
-        return ArticleTemplate::built_in("scattering.html");
-    return ArticleTemplate::built_in(flavour == Flavour::communication ? "communication.html"
-                                                                       : "macromolecule.html");
+    switch (kind) {
+    case ArticleKind::small_molecule:
+        return "qlettemplate_word.html";
+    case ArticleKind::scattering:
+        return "scattering.html";
+    case ArticleKind::communication:
+        return "communication.html";
+    case ArticleKind::structure:
+        break;
+    }
+    return "macromolecule.html";
 }
 
 } // namespace
 
-std::string make_article(const Document& document, Flavour flavour,
-                         const std::optional<ArticleTemplate>& small_molecule_template,
-                         bool with_notes, Notes& notes)
+std::optional<ArticleTemplate> own_template_of(const ArticleOptions& options)
 {
-    check_kind(document, flavour, notes);
+    if (options.template_text)
+        return ArticleTemplate(options.template_path, *options.template_text);
+    if (!options.template_path.empty())
+        return ArticleTemplate(options.template_path, read_text(options.template_path));
+    return std::nullopt;
+}
+
+ArticleKind kind_of_article(const Document& document, const ArticleOptions& options)
+{
+    if (document.kind == Kind::core)
+        return ArticleKind::small_molecule;
+    if (document.kind == Kind::scattering)
+        return ArticleKind::scattering;
+    return options.prefers_communication || options.kind == ArticleKind::communication
+               ? ArticleKind::communication
+               : ArticleKind::structure;
+}
+
+std::string article_html(const Document& document, const ArticleOptions& options,
+                         const std::optional<ArticleTemplate>& own_template, Notes& notes)
+{
+    check_kind(document, options, notes);
     const AuthorList authors = collect_authors(document, notes);
-    Fields fields = fields_of(document, authors, notes);
+    Fields fields = fields_of(document, authors, options, notes);
     use_character_columns(document.path, notes);
-    set_notes(fields, with_notes ? notes : Notes());
-    return template_for(document, flavour, small_molecule_template)
-        .render(fields, vocabulary_of(document.kind),
-                authors_element(authors) + addresses_element(authors));
+    set_notes(fields, options.has_notes_section ? notes : Notes());
+    const bool uses_own = own_template && is_what_was_asked_for(document, options);
+    const ArticleTemplate chosen =
+        uses_own
+            ? *own_template
+            : ArticleTemplate::built_in(built_in_template_of(kind_of_article(document, options)));
+    return chosen.render(fields, vocabulary_of(document.kind),
+                         authors_element(authors) + addresses_element(authors));
 }
 
 } // namespace quillet

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "quillet/article_template.h"
-#include "quillet/command_line.h"
 #include "quillet/document.h"
+#include "quillet/quillet.h"
 
 #include <optional>
 #include <string>
@@ -11,12 +11,16 @@
 namespace quillet
 {
 
-// The article in UTF-8 HTML. Its kind is that of the document; if `flavour` asks for another, a
-// note says so. `small_molecule_template` replaces the built-in template where it fits.
-// If `with_notes`, the notes stand in the article. Their columns count characters afterwards.
-// Throws InputError on a bad template.
-std::string make_article(const Document& document, Flavour flavour,
-                         const std::optional<ArticleTemplate>& small_molecule_template,
-                         bool with_notes, Notes& notes);
+// The template that the options name. Throws InputError if it cannot be read.
+std::optional<ArticleTemplate> own_template_of(const ArticleOptions& options);
+
+// The kind of article that is made from a recognised document.
+ArticleKind kind_of_article(const Document& document, const ArticleOptions& options);
+
+// The article in UTF-8 HTML. Its kind is that of the document; if another is asked for, a
+// note says so, and `own_template` is not used. The columns of the notes count characters
+// afterwards. Throws InputError on a bad template.
+std::string article_html(const Document& document, const ArticleOptions& options,
+                         const std::optional<ArticleTemplate>& own_template, Notes& notes);
 
 } // namespace quillet

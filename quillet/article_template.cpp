@@ -1,11 +1,9 @@
 #include "quillet/article_template.h"
 
 #include "quillet/built_in_templates.h"
-#include "quillet/text_source.h"
 #include "quillet/unicode.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <kainjow/mustache.hpp>
 #include <sstream>
 #include <stdexcept>
@@ -120,11 +118,16 @@ private:
         std::size_t offset;
     };
 
-    [[noreturn]] void fail(std::size_t offset, const std::string& message) const
+    InputError located_error(std::size_t offset, const std::string& message) const
     {
         InputError error(m_name, position_in(m_text, offset), message);
         error.set_source_line(line_at(m_text, offset));
-        throw error;
+        return error;
+    }
+
+    [[noreturn]] void fail(std::size_t offset, const std::string& message) const
+    {
+        throw located_error(offset, message);
     }
 
     // Returns where the tag ends.
@@ -261,19 +264,6 @@ ArticleTemplate ArticleTemplate::built_in(std::string_view file_name)
     return {std::string(file_name), std::string(*text)};
 }
 
-ArticleTemplate ArticleTemplate::from_file(const std::string& file_name,
-                                           const std::string& program_folder)
-{
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    for (const fs::path& path : {fs::path(file_name), fs::path(program_folder) / file_name}) {
-        if (fs::exists(path, ignored))
-            return {path.string(), read_text(path.string())};
-    }
-    throw InputError(file_name, {},
-                     "this template is neither in the working directory nor in " + program_folder);
-}
-
 std::string ArticleTemplate::render(const Fields& fields, const Vocabulary& vocabulary,
                                     const Html& closing) const
 {
@@ -298,7 +288,8 @@ std::string ArticleTemplate::render(const Fields& fields, const Vocabulary& voca
 void ArticleTemplate::check_article(const std::string& html) const
 {
     std::size_t last = 0;
-    for (const std::string anchor : {"vexa_title", "vexa_authors", "vexa_addresses"}) {
+    const std::string anchors[] = {"vexa_title", "vexa_authors", "vexa_addresses"};
+    for (const std::string& anchor : anchors) {
         const std::string attribute = "name=\"" + anchor + "\"";
         const auto at = html.find(attribute);
         if (at == std::string::npos)

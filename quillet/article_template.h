@@ -58,11 +58,6 @@ public:
     // One of those that are part of the program: "macromolecule.html", ... Must exist.
     static ArticleTemplate built_in(std::string_view file_name);
 
-    // From a file, looked for in the working directory and then in `program_folder`. Throws
-    // InputError if it is in neither or cannot be read.
-    static ArticleTemplate from_file(const std::string& file_name,
-                                     const std::string& program_folder);
-
     // The finished HTML in UTF-8, with `closing` directly before </body>. Throws InputError, with
     // its place in the template, on tags that do not match and on names or row keys that are not
     // in the vocabulary; and if the article would lack what every article must have: the anchors

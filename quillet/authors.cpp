@@ -118,11 +118,6 @@ std::vector<std::string> words_of(std::string_view name)
     return words;
 }
 
-bool begins_with(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 std::string initials_of(const std::string& given)
 {
     std::string initials;
@@ -183,6 +178,9 @@ std::vector<std::string> split_words(const std::string& text)
 PersonName split_without_comma(const std::string& name, bool may_be_initials_last)
 {
     auto words = split_words(name);
+    // "Joint Center for Structural Genomics (JCSG)" is no person's name.
+    if (words.size() > 1 && words.back().front() == '(')
+        return {"", name, {}};
     if (words.size() == 1) {
         const auto dot = name.rfind('.');
         if (dot == std::string::npos || dot + 1 == name.size())
@@ -443,7 +441,7 @@ std::string join_address_lines(std::string_view text)
             break;
         const bool is_punctuated =
             !line.empty() && std::string_view(",;:").find(line.back()) != std::string_view::npos;
-        const bool is_wrapped = line.size() >= full_line;
+        const bool is_wrapped = count_characters(line) >= full_line;
         result += is_punctuated || is_wrapped ? " " : ", ";
     }
     result = text_to_plain(result);

@@ -23,7 +23,7 @@ struct PersonName {
 // Splits a name. With a comma the family name stands before the (last) one; else it is the last
 // word, and a leading title such as "Dr." is dropped. `may_be_initials_last`: the source writes
 // "Peng Y" for Y. Peng.
-PersonName split_name(std::string_view name, bool may_be_initials_last);
+PersonName split_name(std::string_view written, bool may_be_initials_last);
 
 struct Author {
     PersonName name;

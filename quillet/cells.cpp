@@ -138,12 +138,16 @@ void report_missing_rows(const Table& table, std::string_view table_name, Notes&
             !row.is_printed && std::all_of(row.cells.begin(), row.cells.end(), [](const Cell& c) {
                 return c.state == State::unknown && c.html.empty();
             });
-        if (is_missing && !row.cells.empty() && !row.cells.front().item.empty())
-            items += (items.empty() ? "" : ", ") + std::string(row.cells.front().item);
+        const auto named = std::find_if(row.cells.begin(), row.cells.end(),
+                                        [](const Cell& c) { return !c.item.empty(); });
+        if (is_missing && named != row.cells.end())
+            items += (items.empty() ? "" : ", ") + std::string(named->item);
     }
     if (!items.empty())
-        notes.add({}, "Rows left out of the table \u201c" + std::string(table_name) +
-                          "\u201d because the CIF has no value for them: " + items + ".");
+        notes.add({},
+                  "Rows left out of the table \u201c" + std::string(table_name) +
+                      "\u201d because the CIF has no value for them: " + items + ".",
+                  Note::Severity::remark);
 }
 
 } // namespace quillet

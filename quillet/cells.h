@@ -6,6 +6,7 @@
 #include "quillet/number.h"
 
 #include <optional>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +27,7 @@ struct Cell {
 // A cell with that content.
 Cell given_cell(Html html, std::string_view item = {});
 
-// A cell that is unknown but names the item that would fill it.
+// A cell that is unknown but names the item that would fill it; none if nobody misses the value.
 Cell unknown_cell(std::string_view item);
 
 // An en dash.
@@ -96,6 +97,15 @@ Table make_table(const RowSpec<Column> (&specs)[Size], const std::vector<Column>
         table.rows.push_back(std::move(row));
     }
     return table;
+}
+
+template<typename Column, std::size_t Size>
+std::set<std::string_view> row_keys_of(const RowSpec<Column> (&specs)[Size])
+{
+    std::set<std::string_view> keys;
+    for (const RowSpec<Column>& spec : specs)
+        keys.insert(spec.key);
+    return keys;
 }
 
 } // namespace quillet

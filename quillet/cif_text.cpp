@@ -54,11 +54,6 @@ constexpr std::string_view elements[] = {"i", "b", "sup", "sub", "em", "strong"}
 constexpr Code named_references[] = {
     {"&amp;", "&"}, {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&nbsp;", "\u00A0"}};
 
-bool begins_with(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 template<std::size_t Size>
 const Code* find_code(const Code (&codes)[Size], std::string_view text)
 {

@@ -1,36 +1,51 @@
 #include "quillet/command_line.h"
 
+#include "quillet/unicode.h"
+
 namespace quillet
 {
 
+// Its form is that which help2man makes a manual page of.
 const char* const usage =
-    "Usage: quillet -htmmo6 FILE [-sas]\n"
-    "       quillet -htmmo5 FILE [-sas]\n"
-    "       quillet -htmPX FILE C TEMPLATE\n"
-    "       quillet --help | --version\n"
+    "Usage: quillet -htmmo6 FILE [-sas] [OPTION]...\n"
+    "  or:  quillet -htmmo5 FILE [-sas] [OPTION]...\n"
+    "  or:  quillet -sas FILE [OPTION]...\n"
+    "  or:  quillet -htmPX FILE C TEMPLATE [OPTION]...\n"
+    "  or:  quillet --figure FILE OUT.svg|OUT.png [--block=NAME] [OPTION]...\n"
     "\n"
-    "Reads the CIF FILE and prints the article it is the start of as HTML.\n"
+    "Reads the CIF FILE and prints the article it is the start of as HTML, or draws its "
+    "structure.\n"
     "\n"
-    "  -htmmo6    article on a macromolecular structure\n"
-    "  -htmmo5    communication on the crystallization of a macromolecule\n"
-    "  -sas       with one of these: article on small-angle scattering\n"
-    "  -htmPX     article on small-molecule structures, in the form of TEMPLATE, a file\n"
-    "             looked for in the working directory and then beside the program\n"
+    "What to make:\n"
+    "  -htmmo6       article on a macromolecular structure\n"
+    "  -htmmo5       communication on the crystallization of a macromolecule\n"
+    "  -sas          alone or with one of these: article on small-angle scattering\n"
+    "  -htmPX        article on small-molecule structures, in the form of TEMPLATE, a file\n"
+    "                looked for in the working directory and then beside the program\n"
+    "  --figure      drawing of the asymmetric unit of a small-molecule structure, of the\n"
+    "                curves of a scattering measurement, or of the statistics of a\n"
+    "                macromolecular structure in resolution shells: of the first one in FILE\n"
+    "  --block=NAME  with --figure: of that in the block data_NAME\n"
     "\n"
+    "Options:\n"
     "  --warnings=article   warnings about the CIF are the last section of the article (default)\n"
     "  --warnings=stderr    they go to standard error\n"
     "  --warnings=none      they are dropped\n"
-    "  --strict             they are errors\n"
+    "  --strict             warnings are errors (mere remarks are not)\n"
+    "  --geometry=marked    bonds and angles of a small molecule are those marked for publication\n"
+    "                       in the CIF (default)\n"
+    "  --geometry=all       all that involve no hydrogen atom\n"
+    "  -h, --help           print this text\n"
+    "  --version            print the version\n"
     "\n"
-    "Exit status: 0 done; 1 the file cannot be read or is not a CIF; 2 wrong call.\n";
+    "Exit status:\n"
+    "  0  the article was printed, or the drawing written\n"
+    "  1  the file cannot be read, is not a CIF, or has nothing to draw; or --strict and a "
+    "warning\n"
+    "  2  wrong call\n";
 
 namespace
 {
-
-bool begins_with(const std::string& text, const std::string& prefix)
-{
-    return text.compare(0, prefix.size(), prefix) == 0;
-}
 
 WarningPlace parse_warning_place(const std::string& word)
 {
@@ -59,44 +74,75 @@ private:
     void take(const std::string& argument)
     {
         const std::string warnings = "--warnings=";
+        const std::string block = "--block=";
         if (argument == "--help" || argument == "-h")
             m_result.task = CommandLine::Task::help;
         else if (argument == "--version")
             m_result.task = CommandLine::Task::version;
         else if (argument == "--strict")
             m_result.is_strict = true;
+        else if (argument == "--geometry=all")
+            m_result.article.geometry = GeometrySelection::without_hydrogen;
+        else if (argument == "--geometry=marked")
+            m_result.article.geometry = GeometrySelection::marked;
         else if (begins_with(argument, warnings))
-            m_result.warnings = parse_warning_place(argument.substr(warnings.size()));
+            take_warning_place(argument.substr(warnings.size()));
         else if (argument == "-sas")
             m_is_scattering = true;
-        else if (argument == "-htmmo6" || argument == "-htmmo5" || argument == "-htmPX")
-            take_article(argument);
-        else if (!m_article.empty()) // what begins with "-" may be a file
+        else if (argument == "-htmmo6" || argument == "-htmmo5" || argument == "-htmPX" ||
+                 argument == "--figure")
+            take_task(argument);
+        else if (begins_with(argument, block))
+            m_result.figure_block = argument.substr(block.size());
+        else if (!m_task.empty() || m_is_scattering) // what begins with "-" may be a file
             m_operands.push_back(argument);
         else if (begins_with(argument, "-"))
             throw UsageError("unknown option " + argument);
         else
-            throw UsageError("no article is asked for: -htmmo6, -htmmo5 or -htmPX must come first");
+            throw UsageError("no article is asked for: -htmmo6, -htmmo5, -sas or -htmPX must come "
+                             "first");
     }
 
-    void take_article(const std::string& argument)
+    void take_warning_place(const std::string& word)
     {
-        if (!m_article.empty())
-            throw UsageError(m_article + " and " + argument + " exclude each other");
-        m_article = argument;
+        m_result.warnings = parse_warning_place(word);
+        m_result.article.has_notes_section = m_result.warnings == WarningPlace::article;
+    }
+
+    void take_task(const std::string& argument)
+    {
+        if (!m_task.empty())
+            throw UsageError(m_task + " and " + argument + " exclude each other");
+        m_task = argument;
     }
 
     void settle()
     {
-        if (m_article.empty())
-            throw UsageError("no article is asked for: give -htmmo6, -htmmo5 or -htmPX");
+        if (m_task.empty() && !m_is_scattering)
+            throw UsageError("no article is asked for: give -htmmo6, -htmmo5, -sas or -htmPX");
         if (m_operands.empty() || m_operands.front().empty())
             throw UsageError("no CIF file is given");
         m_result.cif_path = m_operands.front();
-        if (m_article == "-htmPX")
+        if (m_task == "--figure")
+            settle_figure();
+        else if (m_task == "-htmPX")
             settle_small_molecule();
         else
             settle_macromolecule();
+    }
+
+    void settle_figure()
+    {
+        const auto ends_with = [&](const std::string& ending) {
+            const std::string& path = m_operands.back();
+            return path.size() > ending.size() &&
+                   path.compare(path.size() - ending.size(), ending.size(), ending) == 0;
+        };
+        if (m_operands.size() != 2 || !(ends_with(".svg") || ends_with(".png")))
+            throw UsageError("--figure takes the CIF file and a file to write, .svg or .png");
+        m_result.task = CommandLine::Task::figure;
+        m_result.figure_path = m_operands[1];
+        m_result.figure_format = ends_with(".png") ? FigureFormat::png : FigureFormat::svg;
     }
 
     void settle_small_molecule()
@@ -105,22 +151,24 @@ private:
             throw UsageError("-sas does not go with -htmPX");
         if (m_operands.size() != 3 || m_operands[1] != "C")
             throw UsageError("-htmPX takes the CIF file, the letter C and the template");
-        m_result.flavour = Flavour::small_molecule;
-        m_result.template_name = m_operands[2];
+        m_result.article.kind = ArticleKind::small_molecule;
+        m_result.article.template_path = m_operands[2];
     }
 
     void settle_macromolecule()
     {
         if (m_operands.size() > 1)
-            throw UsageError(m_article + " takes one CIF file; \u201c" + m_operands[1] +
-                             "\u201d is one too many");
-        m_result.flavour = m_article == "-htmmo5" ? Flavour::communication : Flavour::structure;
+            throw UsageError((m_task.empty() ? "-sas" : m_task) + " takes one CIF file; \u201c" +
+                             m_operands[1] + "\u201d is one too many");
+        m_result.article.prefers_communication = m_task == "-htmmo5";
+        m_result.article.kind = m_result.article.prefers_communication ? ArticleKind::communication
+                                                                       : ArticleKind::structure;
         if (m_is_scattering)
-            m_result.flavour = Flavour::scattering;
+            m_result.article.kind = ArticleKind::scattering;
     }
 
     CommandLine m_result;
-    std::string m_article;
+    std::string m_task;
     bool m_is_scattering = false;
     std::vector<std::string> m_operands;
 };

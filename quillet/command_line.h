@@ -1,6 +1,8 @@
 // quillet's command line.
 #pragma once
 
+#include "quillet/quillet.h"
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -8,21 +10,15 @@
 namespace quillet
 {
 
-// Which article is asked for. What the file holds decides in the end: see make_article().
-enum class Flavour {
-    structure,     // -htmmo6: macromolecular structure, in full
-    communication, // -htmmo5: macromolecular crystallization communication
-    scattering,    // -sas with either of these
-    small_molecule // -htmPX
-};
-
 enum class WarningPlace { article, standard_error, nowhere };
 
 struct CommandLine {
-    enum class Task { article, help, version } task = Task::article;
-    Flavour flavour = Flavour::structure;
+    enum class Task { article, figure, help, version } task = Task::article;
     std::string cif_path;
-    std::string template_name; // empty: the built-in one
+    ArticleOptions article; // its template's path as given
+    std::string figure_path;
+    FigureFormat figure_format = FigureFormat::svg;
+    std::string figure_block;
     WarningPlace warnings = WarningPlace::article;
     bool is_strict = false; // warnings are errors
 };

@@ -233,9 +233,9 @@ Cell space_group_cell(const DataSet& d)
                                              "\u201d is not known; please check how it is "
                                              "printed.");
     } else {
-        const auto number = parse_number(
-            d.block->item({"_symmetry.Int_Tables_number", "_space_group.IT_number"}).text);
-        group = space_group_from_number(number ? static_cast<int>(number->value()) : 0);
+        const Item number =
+            d.block->item({"_symmetry.Int_Tables_number", "_space_group.IT_number"});
+        group = space_group_from_number(parse_integer(number.text).value_or(0));
     }
     return group.symbol.empty() ? unknown_cell("_symmetry.space_group_name_H-M")
                                 : given_cell(group.symbol);
@@ -416,6 +416,12 @@ std::vector<DataSet> data_sets_of(const Block& block, Notes& notes)
     return data_sets;
 }
 
+Item radiation_of(const DataSet& data_set)
+{
+    return of_experiment(data_set, "_diffrn_radiation.diffrn_id",
+                         {"_diffrn_radiation.pdbx_scattering_type"});
+}
+
 Table data_collection(const std::vector<DataSet>& data_sets)
 {
     return make_table(row_specs, data_sets);
@@ -423,10 +429,7 @@ Table data_collection(const std::vector<DataSet>& data_sets)
 
 std::set<std::string_view> data_collection_row_keys()
 {
-    std::set<std::string_view> keys;
-    for (const auto& spec : row_specs)
-        keys.insert(spec.key);
-    return keys;
+    return row_keys_of(row_specs);
 }
 
 Html merging_r_label(const std::vector<DataSet>& data_sets)

@@ -29,6 +29,9 @@ struct DataSet {
 // The data sets of a block, by their ordinal numbers; at least one, if only of unknown values.
 std::vector<DataSet> data_sets_of(const Block& block, Notes& notes);
 
+// What was scattered: "x-ray", "neutron"; unknown if the file does not say.
+Item radiation_of(const DataSet& data_set);
+
 // The row of `shells` with the smallest numeric value of `high_resolution_tag` among those that
 // `belongs` accepts; shells.size() if there is none. Files list shells in either order.
 template<typename Belongs>

@@ -1,59 +1,27 @@
 // What quillet has to say about its input: one exception for what stops it, one list for what
-// does not.
+// does not. Both are part of the library (quillet.h).
+//
+// While a file is read columns count bytes of UTF-8; before the caller sees them they are made to
+// count characters (see text_source.h).
 #pragma once
 
-#include <cstdint>
-#include <stdexcept>
+#include "quillet/quillet.h"
+
 #include <string>
 #include <vector>
 
 namespace quillet
 {
 
-// A place in a text file. Lines and columns count from 1; 0 means the file as a whole. Columns
-// count bytes of UTF-8 until a message is shown: people are told characters (see
-// use_character_columns()).
-struct Position {
-    std::uint32_t line = 0;
-    std::uint32_t column = 0;
-};
-
-// The input (a CIF or a template) cannot be used. Caught once, in run().
-class InputError : public std::runtime_error
-{
-public:
-    InputError(std::string file, Position where, const std::string& message)
-        : std::runtime_error(message),
-          m_file(std::move(file)),
-          m_where(where)
-    {
-    }
-
-    const std::string& file() const { return m_file; }
-    Position where() const { return m_where; }
-
-    // The line of the file that the message is about, for a listing with a caret; may be empty.
-    const std::string& source_line() const { return m_source_line; }
-    void set_source_line(std::string line) { m_source_line = std::move(line); }
-
-private:
-    std::string m_file;
-    Position m_where;
-    std::string m_source_line;
-};
-
-// Something the author should know about the CIF, though the article could be made. Plain UTF-8.
-struct Note {
-    Position where;
-    std::string text;
-};
-
-// The one channel for warnings, in the order in which they arose; the same warning about the same
+// The one channel for notes, in the order in which they arose; the same note about the same
 // place is kept once.
 class Notes
 {
 public:
-    void add(Position where, std::string text);
+    void add(Position where, std::string text, Note::Severity severity = Note::Severity::warning);
+    // The same, but not if the text is already there about another place.
+    void add_once(Position where, std::string text,
+                  Note::Severity severity = Note::Severity::warning);
     const std::vector<Note>& all() const { return m_notes; }
     std::vector<Note>& all() { return m_notes; }
     bool empty() const { return m_notes.empty(); }
@@ -61,6 +29,8 @@ public:
 private:
     std::vector<Note> m_notes;
 };
+
+bool has_warnings(const std::vector<Note>& notes);
 
 // "FILE:LINE:COLUMN: SEVERITY: text", without the parts of `where` that are 0.
 std::string format_message(const std::string& file, Position where, const char* severity,

@@ -44,9 +44,33 @@ void prefer(Item& best, const Item& other)
         best = other;
 }
 
-bool begins_with(std::string_view text, std::string_view prefix)
+// A data name that a block has again.
+struct Repetition {
+    const Column* first;
+    const Column* again;
+};
+
+// A few are told one by one. A form put in front of a finished CIF repeats dozens of names, which
+// are told together.
+void report_repetitions(const std::vector<Repetition>& repetitions, const std::string& block,
+                        Notes& notes)
 {
-    return text.substr(0, prefix.size()) == prefix;
+    constexpr std::size_t most_told_one_by_one = 3;
+    const auto line = [](const Column* column) { return std::to_string(column->where.line); };
+    if (repetitions.size() <= most_told_one_by_one) {
+        for (const Repetition& r : repetitions)
+            notes.add(r.again->where, "Data name " + r.again->tag + " stands twice in data_" +
+                                          block + " (first in line " + line(r.first) +
+                                          "); the first value that is not \u201c?\u201d is used.");
+        return;
+    }
+    std::string names;
+    for (const Repetition& r : repetitions)
+        names += (names.empty() ? "" : ", ") + r.again->tag + " (lines " + line(r.first) + " and " +
+                 line(r.again) + ")";
+    notes.add(repetitions.front().again->where,
+              std::to_string(repetitions.size()) + " data names stand twice in data_" + block +
+                  "; of each the first value that is not \u201c?\u201d is used: " + names + ".");
 }
 
 } // namespace
@@ -138,6 +162,7 @@ void Block::make_index(Naming naming, Notes& notes)
 {
     m_naming = naming;
     m_index.clear();
+    std::vector<Repetition> repetitions;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
         const auto [known, is_new] = m_index.emplace(key_of(m_columns[i].tag), i);
         if (is_new)
@@ -145,11 +170,9 @@ void Block::make_index(Naming naming, Notes& notes)
         const Column& first = m_columns[known->second];
         if (!best_item(first).is_given())
             known->second = i;
-        notes.add(m_columns[i].where, "Data name " + m_columns[i].tag + " stands twice in data_" +
-                                          m_name + " (first in line " +
-                                          std::to_string(first.where.line) +
-                                          "); the first value that is not \u201c?\u201d is used.");
+        repetitions.push_back({&first, &m_columns[i]});
     }
+    report_repetitions(repetitions, m_name, notes);
 }
 
 Kind recognise_kind(const std::vector<Block>& blocks)

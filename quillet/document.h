@@ -2,6 +2,7 @@
 // rest of quillet sees a file; whatever reads one (see read_cif.h) makes this.
 #pragma once
 
+#include "quillet/atom_totals.h"
 #include "quillet/diagnostics.h"
 
 #include <initializer_list>
@@ -104,8 +105,12 @@ public:
     Rows rows(Tags tags) const;
     Rows rows(std::string_view tag) const { return rows({tag}); }
 
+    // Of a macromolecular structure, whose atoms are not kept.
+    const AtomTotals& atom_totals() const { return m_atom_totals; }
+
     // For whoever builds the block.
     std::vector<Column>& mutable_columns() { return m_columns; }
+    AtomTotals& mutable_atom_totals() { return m_atom_totals; }
     void make_index(Naming naming, Notes& notes);
 
 private:
@@ -115,6 +120,7 @@ private:
     std::string m_name;
     Position m_where;
     std::vector<Column> m_columns;
+    AtomTotals m_atom_totals;
     Naming m_naming = Naming::exact;
     std::unordered_map<std::string, std::size_t> m_index; // key -> position in m_columns
 };

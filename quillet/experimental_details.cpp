@@ -74,9 +74,9 @@ SpaceGroup group_from_other_items(const Structure& s)
         if (group.number > 0)
             return group;
     }
-    const auto it_number =
-        parse_number(find(s, {"_space_group_IT_number", "_symmetry_Int_Tables_number"}).text);
-    return space_group_from_number(it_number ? static_cast<int>(it_number->value()) : 0);
+    return space_group_from_number(
+        parse_integer(find(s, {"_space_group_IT_number", "_symmetry_Int_Tables_number"}).text)
+            .value_or(0));
 }
 
 SpaceGroup space_group_of(const Structure& s)
@@ -93,8 +93,8 @@ SpaceGroup space_group_of(const Structure& s)
         return group;
     }
     const Item it_number = find(s, {"_space_group_IT_number", "_symmetry_Int_Tables_number"});
-    const auto number = parse_number(it_number.text);
-    if (number && static_cast<int>(number->value()) != group.number)
+    const auto number = parse_integer(it_number.text);
+    if (number && *number != group.number)
         warn(s, it_number,
              "Space-group number " + std::string(it_number.text) +
                  " does not agree with the symbol \u201c" + std::string(symbol.text) +
@@ -111,8 +111,11 @@ Cell crystal_system_and_group(const Structure& s)
         system = given_cell(text_to_html(capitalized(ascii_lower(stated.text))), stated.tag);
     else if (!group.crystal_system.empty())
         system = given_cell(escape(capitalized(group.crystal_system)), stated.tag);
-    const Cell symbol =
-        group.symbol.empty() ? unknown_cell("_space_group_name_H-M_alt") : given_cell(group.symbol);
+    // Superspace and magnetic groups have names that are printed as they are.
+    const Cell symbol = group.symbol.empty()
+                            ? text(s, {"_space_group_name_H-M_alt", "_space_group_ssg_name",
+                                       "_space_group_ssg_name_IT", "_space_group_magn_name_BNS"})
+                            : given_cell(group.symbol);
     return joined({system, symbol}, comma);
 }
 
@@ -239,7 +242,8 @@ Cell sine_over_wavelength(const Structure& s)
     const auto theta = parse_number(find(s, {"_diffrn_reflns_theta_max"}).text);
     const auto wavelength = parse_number(wavelength_item(s).text);
     if (!theta || !wavelength || wavelength->value() <= 0)
-        return unknown_cell("_diffrn_radiation_wavelength");
+        // That the angle is missing is told for the row of its own.
+        return unknown_cell(theta ? "_diffrn_radiation_wavelength" : "");
     const double radians = theta->value() * std::acos(-1.0) / 180.0;
     return given_cell(format_computed(std::sin(radians) / wavelength->value(), 3),
                       "_diffrn_reflns_theta_max");
@@ -267,9 +271,8 @@ Cell restraints(const Structure& s)
     return cell;
 }
 
-bool has_hydrogen(const Structure& s)
+bool has_hydrogen(const Rows& atoms)
 {
-    const Rows atoms = s.block->rows("_atom_site_type_symbol");
     for (std::size_t row = 0; row < atoms.size(); ++row) {
         const std::string_view symbol = atoms.item(row, "_atom_site_type_symbol").text;
         if (symbol == "H" || symbol == "D")
@@ -283,8 +286,11 @@ Cell hydrogen_treatment(const Structure& s)
     const Item item = find(s, {"_refine_ls_hydrogen_treatment"});
     if (item.is_given())
         return given_cell(format_hydrogen_treatment(item.text), item.tag);
+    const Rows atoms = s.block->rows("_atom_site_type_symbol");
+    if (item.state == State::unknown && atoms.size() > 0 && !has_hydrogen(atoms))
+        return unknown_cell({});
     Cell cell = text_cell(item);
-    cell.is_reason = item.state == State::unknown && has_hydrogen(s);
+    cell.is_reason = item.state == State::unknown && has_hydrogen(atoms);
     return cell;
 }
 
@@ -309,7 +315,8 @@ Cell largest_shift(const Structure& s)
         number(s, {"_refine_ls_shift/su_max_lt", "_refine_ls_shift_over_su_max_lt"}, as_given);
     if (limit.state != State::given)
         return cell;
-    limit.html = escape("<") + limit.html;
+    if (limit.html.str().compare(0, 4, "&lt;") != 0)
+        limit.html = escape("<") + limit.html;
     return limit;
 }
 
@@ -325,6 +332,20 @@ Cell extinction(const Structure& s)
     }
     return joined({text_cell(method), number(s, {"_refine_ls_extinction_coef"}, as_given)},
                   "; "_html);
+}
+
+// What is not missed where there is a centre of symmetry.
+Cell of_noncentrosymmetric(const Structure& s, const Cell& cell)
+{
+    return cell.state == State::unknown && space_group_of(s).is_centrosymmetric ? unknown_cell({})
+                                                                                : cell;
+}
+
+// Only the newer dictionary has this item, so no CIF is expected to.
+Cell independent_formula_units(const Structure& s)
+{
+    const Cell cell = number(s, {"_cell_formula_units_Z_prime"}, as_given);
+    return cell.state == State::unknown ? unknown_cell({}) : cell;
 }
 
 constexpr RowClass mandatory = RowClass::mandatory;
@@ -358,8 +379,7 @@ const RowSpec<Structure> row_specs[] = {
     {"A.V", mandatory, [](const Structure& s) { return number(s, {"_cell_volume"}, as_given); }},
     {"A.Z", mandatory,
      [](const Structure& s) { return number(s, {"_cell_formula_units_Z"}, as_given); }},
-    {"A.Zp", optional,
-     [](const Structure& s) { return number(s, {"_cell_formula_units_Z_prime"}, as_given); }},
+    {"A.Zp", optional, independent_formula_units},
     {"A.Dx", optional,
      [](const Structure& s) { return number(s, {"_exptl_crystal_density_diffrn"}, rounded(3)); }},
     {"A.F000", optional,
@@ -410,11 +430,14 @@ const RowSpec<Structure> row_specs[] = {
      }},
     {"A.ext", optional, extinction},
     {"A.absst", optional,
-     [](const Structure& s) { return text(s, {"_refine_ls_abs_structure_details"}); }},
+     [](const Structure& s) {
+         return of_noncentrosymmetric(s, text(s, {"_refine_ls_abs_structure_details"}));
+     }},
     {"A.flack", optional,
      [](const Structure& s) {
-         return number(s, {"_refine_ls_abs_structure_Flack", "_refine_ls_abs_structure_Rogers"},
-                       as_given);
+         return of_noncentrosymmetric(
+             s, number(s, {"_refine_ls_abs_structure_Flack", "_refine_ls_abs_structure_Rogers"},
+                       as_given));
      }},
     {"A.dep", optional,
      [](const Structure& s) { return text(s, {"_database_code_depnum_ccdc_archive"}); }},
@@ -559,13 +582,15 @@ ExperimentalLabels experimental_labels(std::vector<Structure>& structures)
         labels.criterion = *common;
     labels.threshold = differ ? "<i>n</i>"_html : threshold;
     labels.quantity = refined_quantity(structures.front());
-    for (Structure& s : structures) {
+    for (Structure& s : structures)
         s.tells_criterion = differ;
-        if (refined_quantity(s) != labels.quantity)
-            warn(s, find(s, {"_refine_ls_structure_factor_coef"}),
-                 "Not all structures were refined on the same quantity; the label of the R "
-                 "factors is right for the first.");
-    }
+    const auto other = std::find_if(structures.begin(), structures.end(), [&](const Structure& s) {
+        return refined_quantity(s) != labels.quantity;
+    });
+    if (other != structures.end())
+        warn(*other, find(*other, {"_refine_ls_structure_factor_coef"}),
+             "Not all structures were refined on the same quantity; the label of the R factors "
+             "is right for the first.");
     return labels;
 }
 
@@ -576,10 +601,7 @@ Table experimental_details(const std::vector<Structure>& structures)
 
 std::set<std::string_view> experimental_row_keys()
 {
-    std::set<std::string_view> keys;
-    for (const auto& spec : row_specs)
-        keys.insert(spec.key);
-    return keys;
+    return row_keys_of(row_specs);
 }
 
 } // namespace quillet

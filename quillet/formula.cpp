@@ -203,7 +203,7 @@ std::optional<Html> format_formula(std::string_view text)
 {
     auto tokens = split_blanks(text);
     if (tokens.size() > 1) {
-        const std::string& last = tokens.back();
+        const std::string last = tokens.back();
         const bool is_bare_number = std::all_of(last.begin(), last.end(), is_ascii_digit);
         if (is_bare_number) {
             tokens.pop_back();

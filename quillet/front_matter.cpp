@@ -70,8 +70,8 @@ Html body_contents(const Item& contents, const Item& format, Notes& notes)
             result += paragraph(escape(collapse_blanks(part)));
         return result;
     }
-    notes.add(contents.where(), "Text in the format \u201c" + word +
-                                    "\u201d cannot be converted and is shown as it is.");
+    notes.add_once(contents.where(), "Text in the format \u201c" + word +
+                                         "\u201d cannot be converted and is shown as it is.");
     return "<pre>"_html + escape(contents.text) + "</pre>\n"_html;
 }
 
@@ -84,13 +84,16 @@ Html body_part(const Rows& rows, std::size_t row, Notes& notes)
     const Item format = rows.item(row, {"_publ_body_format", "_publ_body.format"});
     const int level = heading_level(element.text);
     if (level < 0 && element.is_given())
-        notes.add(element.where(), "\u201c" + std::string(element.text) +
-                                       "\u201d is no known part of an article; its text is "
-                                       "printed without a heading.");
+        notes.add_once(element.where(), "\u201c" + std::string(element.text) +
+                                            "\u201d is no known part of an article; it is printed "
+                                            "without a heading.");
     Html result;
     const Html number = label.is_given() ? text_to_html(label.text) + " "_html : Html();
-    if (level > 0 && (title.is_given() || label.is_given()))
-        result += heading(level, number + text_to_html(title.text));
+    const Html name = number + text_to_html(title.text);
+    if (level > 0 && !name.empty())
+        result += heading(level, name);
+    else if (level < 0 && !name.empty())
+        result += paragraph("<b>"_html + name + "</b>"_html);
     if (!contents.is_given())
         return result;
     if (level == 0)
@@ -174,11 +177,18 @@ void set_text_sections(Fields& fields, const Document& document,
                comment_text(first_item(document, {"_publ_section_table_legends"}).text));
 }
 
+bool has_figure_captions(const Document& document)
+{
+    return first_item(document, {"_publ_section_figure_captions", "_publ_section.figure_captions"})
+        .is_given();
+}
+
 void set_front_matter(Fields& fields, const Html& title, const std::string& short_name,
                       const AuthorList& authors, const std::vector<Html>& keywords)
 {
     fields.set("title", title.empty() ? "?"_html : title);
     fields.set("short_name", escape(short_name));
+    fields.set("authors", authors.authors.empty() ? Html() : "true"_html);
     Html correspondence = escape(authors.contact_name);
     if (!authors.contact_name.empty() && !authors.contact_email.empty())
         correspondence += ", "_html + escape(authors.contact_email);
@@ -191,7 +201,11 @@ void set_front_matter(Fields& fields, const Html& title, const std::string& shor
 
 std::vector<Html> split_keywords(std::string_view text)
 {
-    const char separator = text.find(';') != std::string_view::npos ? ';' : ',';
+    return split_keywords(text, text.find(';') != std::string_view::npos ? ';' : ',');
+}
+
+std::vector<Html> split_keywords(std::string_view text, char separator)
+{
     std::vector<Html> keywords;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find(separator), text.size());
@@ -220,7 +234,8 @@ void set_notes(Fields& fields, const Notes& notes)
         fields.set("notes", section);
 }
 
-const std::set<std::string_view> front_matter_field_names = {"title",
+const std::set<std::string_view> front_matter_field_names = {"authors",
+                                                             "title",
                                                              "short_name",
                                                              "correspondence",
                                                              "keywords",

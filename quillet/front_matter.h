@@ -27,12 +27,19 @@ Fields text_section(const Html& text);
 void set_text_sections(Fields& fields, const Document& document,
                        const std::set<std::string_view>& skeleton, Notes& notes);
 
-// Sets title, title_footnote, short_name, correspondence and keywords. `short_name` is plain text.
+// Whether the CIF has captions of figures, beside which none are to be made up.
+bool has_figure_captions(const Document& document);
+
+// Sets title, short_name (plain text), authors (whether there are any), correspondence and
+// keywords.
 void set_front_matter(Fields& fields, const Html& title, const std::string& short_name,
                       const AuthorList& authors, const std::vector<Html>& keywords);
 
 // Keywords of a text that separates them with ";" or else with ",".
 std::vector<Html> split_keywords(std::string_view text);
+
+// Keywords between separators of one kind.
+std::vector<Html> split_keywords(std::string_view text, char separator);
 
 // Sets the section of notes with its items, each with place and message.
 void set_notes(Fields& fields, const Notes& notes);

@@ -13,7 +13,7 @@ namespace
 bool is_allowed(char32_t c)
 {
     if (c < 0x20)
-        return c == '\t' || c == '\n' || c == '\r';
+        return c == '\t' || c == '\n';
     return !(c >= 0x7F && c < 0xA0) && c != 0xFFFE && c != 0xFFFF;
 }
 
@@ -35,6 +35,8 @@ Html escape(std::string_view utf8)
             result += "&gt;";
         else if (c == '"')
             result += "&quot;";
+        else if (c == '\r')
+            result += '\n'; // HTML reads it so, too
         else if (is_allowed(c))
             append_character(result, c);
     }
@@ -54,6 +56,14 @@ Html superscript(const Html& content)
 Html subscript(const Html& content)
 {
     return "<sub>"_html + content + "</sub>"_html;
+}
+
+Html join(const std::vector<Html>& parts, const Html& separator)
+{
+    Html result;
+    for (const Html& part : parts)
+        result += (result.empty() || part.empty() ? Html() : separator) + part;
+    return result;
 }
 
 std::string to_ascii(std::string_view utf8_html)

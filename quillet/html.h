@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillet
 {
@@ -38,7 +39,7 @@ private:
 };
 
 // Plain text as HTML, safe in elements and in double-quoted attributes. Characters that neither
-// HTML nor XML 1.0 allows are dropped.
+// HTML nor XML 1.0 allows are dropped; a carriage return becomes a line feed.
 Html escape(std::string_view utf8);
 
 // HTML written in this program's source.
@@ -56,6 +57,9 @@ inline Html html_of_template(std::string utf8_html)
 Html italic(const Html& content);
 Html superscript(const Html& content);
 Html subscript(const Html& content);
+
+// With `separator` between; empty parts are left out.
+Html join(const std::vector<Html>& parts, const Html& separator);
 
 // All but ASCII as decimal character references. Bytes that are not UTF-8 become U+FFFD.
 std::string to_ascii(std::string_view utf8_html);

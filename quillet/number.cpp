@@ -1,10 +1,10 @@
 #include "quillet/number.h"
 
 #include "quillet/cif_text.h"
+#include "quillet/plain_number.h"
 #include "quillet/unicode.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 namespace quillet
@@ -95,26 +95,15 @@ void increment(std::string& digits)
     digits.insert(0, 1, '1');
 }
 
-// 1.2e-3 as 0.0012; only for exponents that are negative.
-Decimal without_exponent(const Number& number)
-{
-    Decimal decimal = number.decimal;
-    decimal.decimals -= *number.exponent;
-    const int missing = decimal.decimals + 1 - static_cast<int>(decimal.digits.size());
-    if (missing > 0)
-        decimal.digits.insert(0, static_cast<std::size_t>(missing), '0');
-    return decimal;
-}
-
 // The rounded number; nothing if it has to be printed as given.
 std::optional<Decimal> rounded_decimal(const Number& number, int decimals)
 {
     if (!number.su.empty() || number.relation != 0)
         return std::nullopt;
-    constexpr int smallest_exponent = -30;
-    if (number.exponent && (*number.exponent >= 0 || *number.exponent < smallest_exponent))
+    const auto plain = without_exponent(number);
+    if (!plain || number.exponent.value_or(-1) >= 0)
         return std::nullopt;
-    const Decimal decimal = number.exponent ? without_exponent(number) : number.decimal;
+    const Decimal& decimal = plain->decimal;
     if (decimal.decimals <= decimals)
         return number.exponent ? std::optional(decimal) : std::nullopt;
     const Decimal result = to_decimals(decimal, decimals);
@@ -163,6 +152,17 @@ int leading_two_digits(const Decimal& decimal)
     return std::stoi(digits.substr(0, 2));
 }
 
+// A number that is nothing but digits, a moderate exponent worked in.
+std::optional<Number> plain_number(std::string_view text)
+{
+    constexpr int largest_exponent = 9;
+    const auto number = parse_number(text);
+    if (!number || !number->su.empty() || number->relation != 0 ||
+        std::abs(number->exponent.value_or(0)) > largest_exponent)
+        return std::nullopt;
+    return without_exponent(*number);
+}
+
 } // namespace
 
 std::string Decimal::text() const
@@ -177,7 +177,7 @@ double Decimal::value() const
 {
     Decimal positive = *this;
     positive.negative = false;
-    const double magnitude = std::strtod(positive.text().c_str(), nullptr);
+    const double magnitude = parse_plain_number(positive.text());
     return negative ? -magnitude : magnitude;
 }
 
@@ -188,7 +188,7 @@ double Number::value() const
     Decimal positive = decimal;
     positive.negative = false;
     const std::string text = positive.text() + "e" + std::to_string(*exponent);
-    const double magnitude = std::strtod(text.c_str(), nullptr);
+    const double magnitude = parse_plain_number(text);
     return decimal.negative ? -magnitude : magnitude;
 }
 
@@ -212,6 +212,41 @@ std::optional<Number> parse_number(std::string_view text)
     if (!take_exponent(text, number.exponent) || !text.empty())
         return std::nullopt;
     return number;
+}
+
+std::optional<Number> without_exponent(const Number& number)
+{
+    constexpr int farthest = 30;
+    Number plain = number;
+    if (!number.exponent)
+        return plain;
+    if (std::abs(*number.exponent) > farthest)
+        return std::nullopt;
+    plain.exponent.reset();
+    plain.decimal.decimals -= *number.exponent;
+    if (plain.decimal.decimals < 0) {
+        const auto zeros = static_cast<std::size_t>(-plain.decimal.decimals);
+        plain.decimal.digits.append(zeros, '0');
+        if (!plain.su.empty())
+            plain.su.append(zeros, '0');
+        plain.decimal.decimals = 0;
+    }
+    const int missing = plain.decimal.decimals + 1 - static_cast<int>(plain.decimal.digits.size());
+    if (missing > 0)
+        plain.decimal.digits.insert(0, static_cast<std::size_t>(missing), '0');
+    plain.decimal = without_leading_zeros(plain.decimal);
+    return plain;
+}
+
+std::optional<int> parse_integer(std::string_view text)
+{
+    constexpr std::size_t most_digits = 6;
+    const auto number = parse_number(text);
+    if (!number || number->relation != 0 || number->decimal.decimals > 0 || number->exponent ||
+        number->decimal.digits.size() > most_digits)
+        return std::nullopt;
+    const int value = std::stoi(number->decimal.digits);
+    return number->decimal.negative ? -value : value;
 }
 
 Html format_number(const Number& number, NumberFormat format)
@@ -295,10 +330,9 @@ Decimal divided_by_thousand(const Decimal& a)
 
 Html format_computed(double value, int decimals)
 {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-    const auto number = parse_number(buffer);
-    return number ? format_number(*number, as_given) : escape(buffer);
+    const std::string text = plain_number(value, decimals);
+    const auto number = parse_number(text);
+    return number ? format_number(*number, as_given) : escape(text);
 }
 
 std::optional<Number> with_su(const Number& number, const Number& su)
@@ -323,10 +357,9 @@ std::optional<Number> with_su(const Number& number, const Number& su)
 
 std::optional<Html> format_with_error(std::string_view value, std::string_view error)
 {
-    const auto number = parse_number(value);
-    const auto uncertainty = parse_number(error);
-    if (!number || !uncertainty || number->exponent || uncertainty->exponent ||
-        uncertainty->decimal.negative || uncertainty->decimal.is_zero())
+    const auto number = plain_number(value);
+    const auto uncertainty = plain_number(error);
+    if (!number || !uncertainty || uncertainty->decimal.negative || uncertainty->decimal.is_zero())
         return std::nullopt;
     const int decimals = std::clamp(first_significant_decimal(uncertainty->decimal) + 1, 0,
                                     uncertainty->decimal.decimals);

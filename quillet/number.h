@@ -37,6 +37,13 @@ struct Number {
 // is dropped; the Unicode minus sign counts as "-".
 std::optional<Number> parse_number(std::string_view text);
 
+// A whole number of at most six digits; nothing for other text.
+std::optional<int> parse_integer(std::string_view text);
+
+// The same number without an exponent: 1.2e-3 as 0.0012. Nothing if that would move the decimal
+// point by more than 30 places.
+std::optional<Number> without_exponent(const Number& number);
+
 // How the digits of a number are printed. A number with an s.u. is always printed as given, and so
 // is one with "<", ">" or "~".
 struct NumberFormat {
@@ -82,8 +89,8 @@ Html format_computed(double value, int decimals);
 std::optional<Number> with_su(const Number& number, const Number& su);
 
 // "value +- error": the error rounded to two significant digits but never to more decimals than it
-// is given with, the value to as many decimals. Nothing unless both are plain numbers and the
-// error is positive.
+// is given with, the value to as many decimals. Nothing unless both are numbers without s.u. and
+// relation, and the error is positive.
 std::optional<Html> format_with_error(std::string_view value, std::string_view error);
 
 } // namespace quillet

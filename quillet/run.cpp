@@ -1,13 +1,12 @@
 #include "quillet/run.h"
 
-#include "quillet/article.h"
 #include "quillet/command_line.h"
-#include "quillet/html.h"
-#include "quillet/read_cif.h"
-#include "quillet/text_source.h"
+#include "quillet/diagnostics.h"
+#include "quillet/output_file.h"
+#include "quillet/quillet.h"
 #include "quillet/unicode.h"
 
-#include <algorithm>
+#include <filesystem>
 #include <ostream>
 
 namespace quillet
@@ -42,69 +41,78 @@ std::string listing(const std::string& line, std::uint32_t column)
     return result + "\n" + caret + "^\n";
 }
 
-void print_error(const InputError& error, const std::string& cif_path, std::ostream& err)
+void print_error(const InputError& error, std::ostream& err)
 {
-    Position where = error.where();
-    std::string line = error.source_line();
-    if (line.empty() && where.line > 0 && error.file() == cif_path) {
-        const auto lines = read_lines_of(cif_path, {where.line});
-        line = lines.empty() ? std::string() : lines.begin()->second;
-    }
-    if (where.line > 0)
-        where.column = column_in_characters(line, where.column);
-    err << "quillet: " << format_message(error.file(), where, "error", error.what()) << '\n';
-    if (!line.empty())
-        err << listing(line, where.column);
+    err << "quillet: " << format_message(error.file(), error.where(), "error", error.what())
+        << '\n';
+    if (!error.source_line().empty())
+        err << listing(error.source_line(), error.where().column);
 }
 
-void print_notes(const Notes& notes, const std::string& path, const char* severity,
+// `warning`: what warnings are called.
+void print_notes(const std::vector<Note>& notes, const std::string& path, const char* warning,
                  std::ostream& err)
 {
-    for (const Note& note : notes.all())
+    for (const Note& note : notes) {
+        const char* const severity = note.severity == Note::Severity::warning ? warning : "note";
         err << "quillet: " << format_message(path, note.where, severity, note.text) << '\n';
+    }
 }
 
-Document read_recognised(const std::string& path, Notes& notes)
+// A template is looked for in the working directory and then in `program_folder`.
+std::string find_template(const std::string& name, const std::string& program_folder)
 {
-    Document document = read_cif(path, notes);
-    if (document.kind == Kind::unrecognised)
-        throw InputError(path, {},
-                         "not a recognised CIF: it has neither data of a small-molecule or "
-                         "macromolecular structure nor of small-angle scattering");
-    return document;
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    for (const fs::path& path : {fs::path(name), fs::path(program_folder) / name}) {
+        if (fs::exists(path, ignored))
+            return path.string();
+    }
+    throw InputError(name, {},
+                     "this template is neither in the working directory nor in " + program_folder);
 }
 
 int make_and_print(const CommandLine& command, const std::string& program_folder, std::ostream& out,
                    std::ostream& err)
 {
-    std::optional<ArticleTemplate> own_template;
-    if (!command.template_name.empty())
-        own_template = ArticleTemplate::from_file(command.template_name, program_folder);
-    Notes notes;
-    const Document document = read_recognised(command.cif_path, notes);
-    const bool with_notes = command.warnings == WarningPlace::article && !command.is_strict;
-    const std::string html =
-        make_article(document, command.flavour, own_template, with_notes, notes);
+    ArticleOptions options = command.article;
+    if (!options.template_path.empty())
+        options.template_path = find_template(options.template_path, program_folder);
+    const Article article = make_article(command.cif_path, options);
 
-    if (command.is_strict && !notes.empty()) {
-        print_notes(notes, command.cif_path, "error", err);
+    if (command.is_strict && has_warnings(article.notes)) {
+        print_notes(article.notes, command.cif_path, "error", err);
         return bad_input;
     }
     if (command.warnings == WarningPlace::standard_error)
-        print_notes(notes, command.cif_path, "warning", err);
-    out << to_ascii(html);
+        print_notes(article.notes, command.cif_path, "warning", err);
+    out << article.html;
     return done;
 }
 
-int run_article(const CommandLine& command, const std::string& program_folder, std::ostream& out,
-                std::ostream& err)
+void draw_and_write(const CommandLine& command, std::ostream& err)
 {
+    const Figure figure =
+        draw_figure(command.cif_path, command.figure_format, command.figure_block);
+    write_file(command.figure_path, figure.data);
+    if (command.warnings == WarningPlace::standard_error)
+        print_notes(figure.notes, command.cif_path, "warning", err);
+}
+
+int run_task(const CommandLine& command, const std::string& program_folder, std::ostream& out,
+             std::ostream& err)
+{
+    const bool draws = command.task == CommandLine::Task::figure;
     try {
-        return make_and_print(command, program_folder, out, err);
+        if (!draws)
+            return make_and_print(command, program_folder, out, err);
+        draw_and_write(command, err);
+        return done;
     } catch (const InputError& error) {
-        print_error(error, command.cif_path, err);
+        print_error(error, err);
     } catch (const std::exception& error) {
-        err << "quillet: " << format_message(command.cif_path, {}, "error", error.what()) << '\n';
+        const std::string& file = draws ? command.figure_path : command.cif_path;
+        err << "quillet: " << format_message(file, {}, "error", error.what()) << '\n';
     }
     return bad_input;
 }
@@ -121,10 +129,10 @@ int run(const std::vector<std::string>& arguments, const std::string& program_fo
             return done;
         }
         if (command.task == CommandLine::Task::version) {
-            out << "quillet " << VEXAWORD_VERSION << '\n';
+            out << "quillet " << version() << '\n';
             return done;
         }
-        return run_article(command, program_folder, out, err);
+        return run_task(command, program_folder, out, err);
     } catch (const UsageError& error) {
         err << "quillet: " << error.what() << "\n\n" << usage;
         return wrong_call;

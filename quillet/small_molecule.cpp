@@ -3,6 +3,8 @@
 #include "quillet/cif_text.h"
 #include "quillet/experimental_details.h"
 #include "quillet/front_matter.h"
+#include "quillet/geometry.h"
+#include "quillet/structure_model.h"
 #include "quillet/unicode.h"
 
 #include <algorithm>
@@ -194,45 +196,144 @@ std::set<std::string_view> skeleton_sections(const Document& document)
     return sections;
 }
 
-std::string short_name_of(const Document& document)
+// Fit for a file name: long systematic names are not.
+std::string short_name_of(const Document& document, const std::vector<Structure>& structures)
 {
-    const Item name = first_item(
-        document, {"_chemical_name_common", "_chemical_name_systematic", "_chemical_formula_sum"});
-    if (name.is_given())
-        return text_to_plain(name.text);
-    return document.blocks.empty() ? std::string() : document.blocks.front().name();
+    constexpr std::size_t longest = 60;
+    for (const char* tag : {"_chemical_name_common", "_chemical_name_systematic"}) {
+        const std::string name = text_to_plain(first_item(document, {tag}).text);
+        if (!name.empty() && count_characters(name) <= longest)
+            return name;
+    }
+    std::string formula(first_item(document, {"_chemical_formula_sum"}).text);
+    formula.erase(std::remove_if(formula.begin(), formula.end(), is_ascii_blank), formula.end());
+    if (!formula.empty())
+        return formula;
+    const std::string& block = structures.front().block->name();
+    return block.empty() ? "Article" : block;
 }
 
-void set_experimental_details(Fields& fields, std::vector<Structure>& structures, Notes& notes)
+void set_experimental_details(Fields& fields, std::vector<Structure>& structures,
+                              TableCounter& counter, Notes& notes)
 {
     const ExperimentalLabels labels = experimental_labels(structures);
     Table table = experimental_details(structures);
     table.heads = headings_of(structures);
     report_missing_rows(table, "Experimental details", notes);
-    TableCounter counter;
     fields.set("experimental_details", table_fields(table, counter));
     fields.set("criterion", labels.criterion);
     fields.set("threshold", labels.threshold);
     fields.set("refined_quantity", labels.quantity);
 }
 
+// A table of one structure that has rows of its own make.
+Fields structure_table(const Structure& structure, bool is_only_one, const Html& rows,
+                       TableCounter counter)
+{
+    Fields fields;
+    fields.set("number", [counter]() mutable { return counter.next(); });
+    fields.set("structure", is_only_one ? Html() : heading_of(*structure.block));
+    fields.set("rows", rows);
+    return fields;
+}
+
+Fields coordinate_table(const Structure& structure, bool is_only_one,
+                        const CoordinateTable& coordinates, const TableCounter& counter)
+{
+    Fields fields = structure_table(structure, is_only_one, coordinates.rows, counter);
+    fields.set("displacement_b", coordinates.has_displacement_b ? "true"_html : Html());
+    fields.set("occupancy", coordinates.has_occupancies ? "true"_html : Html());
+    return fields;
+}
+
+// One note, however many structures there are in the file.
+void report_unmarked_geometry(const std::vector<const Block*>& blocks, Notes& notes)
+{
+    if (blocks.empty())
+        return;
+    std::string names;
+    for (const Block* block : blocks)
+        names += (names.empty() ? "data_" : ", data_") + block->name();
+    notes.add(blocks.front()->find("_geom_bond_atom_site_label_1")->where,
+              "No bond, angle or torsion angle of " + names +
+                  " is marked for publication (_geom_bond_publ_flag and so on), so there is no "
+                  "table of selected geometry; --geometry=all prints all of it.");
+}
+
+// Symmetry codes are numbered through both tables of a structure, so they are made together.
+void set_geometry(Fields& fields, const std::vector<Structure>& structures,
+                  GeometrySelection selection, const TableCounter& counter, Notes& notes)
+{
+    const bool is_only_one = structures.size() == 1;
+    std::vector<Fields> geometry;
+    std::vector<Fields> bonds;
+    std::vector<Fields> coordinates;
+    std::vector<const Block*> unmarked;
+    for (const Structure& s : structures) {
+        SymmetryCodes codes(*s.block, notes);
+        const auto parameters = selected_geometry(*s.block, selection, codes);
+        if (!parameters.empty()) {
+            geometry.push_back(structure_table(s, is_only_one, geometry_rows(parameters), counter));
+            geometry.back().set("symmetry_codes", codes.take_footnote());
+        } else if (s.block->count("_geom_bond_atom_site_label_1") > 0) {
+            unmarked.push_back(s.block);
+        }
+        const auto hydrogen = hydrogen_bonds(*s.block, codes);
+        if (!hydrogen.empty()) {
+            bonds.push_back(structure_table(s, is_only_one, hydrogen_bond_rows(hydrogen), counter));
+            bonds.back().set("symmetry_codes", codes.take_footnote());
+        }
+        const CoordinateTable atoms = fractional_coordinates(*s.block);
+        if (!atoms.rows.empty())
+            coordinates.push_back(coordinate_table(s, is_only_one, atoms, counter));
+    }
+    report_unmarked_geometry(unmarked, notes);
+    fields.set("geometry_tables", geometry);
+    fields.set("hydrogen_bond_tables", bonds);
+    fields.set("coordinate_tables", coordinates);
+}
+
+// What a caption can say about the figure that quillet would draw. Absent if the CIF has captions
+// of its own or nothing that can be drawn.
+void set_figure(Fields& fields, const Document& document, const std::vector<Structure>& structures)
+{
+    fields.set("figure", Html());
+    if (has_figure_captions(document))
+        return;
+    Notes dropped; // they are about drawing, which is not done here
+    for (const Structure& s : structures) {
+        const StructureModel model = asymmetric_unit(*s.block, dropped);
+        if (model.atoms.empty())
+            continue;
+        Fields figure;
+        figure.set("structure", structures.size() > 1 ? heading_of(*s.block) : Html());
+        figure.set("ellipsoids", model.has_ellipsoids ? "true"_html : Html());
+        fields.set("figure", figure);
+        return;
+    }
+}
+
 } // namespace
 
-Fields small_molecule_fields(const Document& document, const AuthorList& authors, Notes& notes)
+Fields small_molecule_fields(const Document& document, const AuthorList& authors,
+                             GeometrySelection geometry, Notes& notes)
 {
     Fields fields;
     const Item title = manuscript_item(document, {"_publ_section_title"}, notes);
     const Item name = first_item(document, {"_chemical_name_systematic", "_chemical_name_common"});
     const Item keywords = manuscript_item(document, {"_publ_section_keywords"}, notes);
+    auto structures = structures_of(document, notes);
     set_front_matter(fields, text_to_html(title.is_given() ? title.text : name.text),
-                     short_name_of(document), authors, split_keywords(keywords.text));
+                     short_name_of(document, structures), authors, split_keywords(keywords.text));
     fields.set(
         "title_footnote",
         text_to_html(manuscript_item(document, {"_publ_section_title_footnote"}, notes).text));
     set_text_sections(fields, document, skeleton_sections(document), notes);
 
-    auto structures = structures_of(document, notes);
-    set_experimental_details(fields, structures, notes);
+    TableCounter counter;
+    set_experimental_details(fields, structures, counter, notes);
+    set_geometry(fields, structures, geometry, counter, notes);
+    set_figure(fields, document, structures);
     fields.set("computer_programs", computer_programs(document, structures));
     if (has_special_details(document))
         fields.set("special_details", special_details(document));
@@ -246,7 +347,10 @@ const Vocabulary& small_molecule_vocabulary()
         words.names = front_matter_field_names;
         words.names.insert(table_field_names.begin(), table_field_names.end());
         words.names.insert({"experimental_details", "criterion", "threshold", "refined_quantity",
-                            "computer_programs", "special_details", "heading"});
+                            "computer_programs", "special_details", "heading", "geometry_tables",
+                            "hydrogen_bond_tables", "coordinate_tables", "structure", "rows",
+                            "symmetry_codes", "displacement_b", "occupancy", "figure",
+                            "ellipsoids"});
         words.row_keys = experimental_row_keys();
         return words;
     }();

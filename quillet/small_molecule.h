@@ -4,12 +4,14 @@
 #include "quillet/article_template.h"
 #include "quillet/authors.h"
 #include "quillet/document.h"
+#include "quillet/geometry.h"
 
 namespace quillet
 {
 
 // All that a template can print of the document, except the notes.
-Fields small_molecule_fields(const Document& document, const AuthorList& authors, Notes& notes);
+Fields small_molecule_fields(const Document& document, const AuthorList& authors,
+                             GeometrySelection geometry, Notes& notes);
 
 const Vocabulary& small_molecule_vocabulary();
 

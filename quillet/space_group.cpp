@@ -1,9 +1,9 @@
 #include "quillet/space_group.h"
 
+#include "quillet/cif_text.h"
 #include "quillet/unicode.h"
 
 #include <algorithm>
-#include <exception>
 #include <gemmi/symmetry.hpp>
 #include <vector>
 
@@ -181,6 +181,7 @@ SpaceGroup known_group(const gemmi::SpaceGroup& group)
     SpaceGroup result;
     result.crystal_system = group.crystal_system_str();
     result.number = group.number;
+    result.is_centrosymmetric = group.is_centrosymmetric();
     return result;
 }
 
@@ -217,14 +218,20 @@ SpaceGroup space_group_from_symbol(std::string_view text)
     return result;
 }
 
+// By comparison with the tabulated symbols: gemmi's parser of Hall symbols reads out of bounds on
+// some that are wrong ("C13 13 22").
 SpaceGroup space_group_from_hall(std::string_view text)
 {
-    try {
-        const auto operations = gemmi::symops_from_hall(std::string(trimmed(text)).c_str());
-        return reference_symbol(gemmi::find_spacegroup_by_ops(operations));
-    } catch (const std::exception&) {
-        return {}; // gemmi throws std::runtime_error for what is no Hall symbol
+    const std::string wanted = ascii_lower(collapse_blanks(text));
+    for (const gemmi::SpaceGroup& group : gemmi::spacegroup_tables::main) {
+        if (ascii_lower(group.hall) != wanted)
+            continue;
+        SpaceGroup result = reference_symbol(&group);
+        if (group.ext != 0)
+            result.symbol += ":"_html + escape(std::string_view(&group.ext, 1));
+        return result;
     }
+    return {};
 }
 
 SpaceGroup space_group_from_number(int number)

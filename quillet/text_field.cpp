@@ -33,11 +33,6 @@ std::vector<std::string_view> split_lines(std::string_view text)
     return lines;
 }
 
-bool begins_with(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 std::string join_lines(const std::vector<std::string_view>& lines, std::size_t first, bool folded,
                        std::size_t prefix_size)
 {
@@ -57,9 +52,14 @@ std::string join_lines(const std::vector<std::string_view>& lines, std::size_t f
     return result;
 }
 
+bool is_triple_quoted(std::string_view raw)
+{
+    return raw.size() >= 6 && raw[1] == raw[0] && raw[2] == raw[0];
+}
+
 } // namespace
 
-std::string decode_value(std::string_view raw, bool is_text_field)
+std::string decode_value(std::string_view raw, bool is_text_field, CifVersion version)
 {
     if (is_text_field && raw.size() >= 2) {
         raw.remove_prefix(1);
@@ -69,8 +69,9 @@ std::string decode_value(std::string_view raw, bool is_text_field)
         return std::string(without_blanks_at_end(unfold_text_field(raw)));
     }
     if (raw.size() >= 2 && (raw.front() == '\'' || raw.front() == '"')) {
-        raw.remove_prefix(1);
-        raw.remove_suffix(1);
+        const std::size_t size = version == CifVersion::cif_2_0 && is_triple_quoted(raw) ? 3 : 1;
+        raw.remove_prefix(size);
+        raw.remove_suffix(size);
     }
     return std::string(without_blanks_at_end(raw));
 }

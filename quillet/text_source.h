@@ -33,6 +33,9 @@ public:
     // Throws InputError if the file cannot be read.
     std::size_t read(char* buffer, std::size_t size);
 
+    // Whether the text begins with these characters. Before the first read(); takes nothing.
+    bool begins_with(std::string_view text);
+
     // No more bytes than this will ever be given out.
     std::size_t size_limit() const;
 
@@ -49,11 +52,14 @@ private:
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
+    std::size_t read_plain(char* buffer, std::size_t size);
+    std::size_t read_bytes(char* buffer, std::size_t size);
     void read_piece();
     void recognise_encoding();
     void convert_utf8(std::string_view bytes, bool at_end);
     void convert_utf16(std::string_view bytes, bool at_end);
     std::size_t convert_plain_run(std::string_view bytes);
+    void note_lines(std::string_view run);
     bool convert_line_end(char byte);
     void convert_control_character(char byte);
     void end_line(std::size_t style);

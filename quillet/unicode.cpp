@@ -134,6 +134,11 @@ std::string ascii_lower(std::string_view text)
     return result;
 }
 
+bool begins_with(std::string_view text, std::string_view prefix)
+{
+    return text.substr(0, prefix.size()) == prefix;
+}
+
 std::string_view trimmed(std::string_view text)
 {
     while (!text.empty() && is_ascii_blank(text.front()))

@@ -45,6 +45,8 @@ std::size_t count_characters(std::string_view utf8);
 // ASCII only; bytes of other characters are left as they are.
 std::string ascii_lower(std::string_view text);
 
+bool begins_with(std::string_view text, std::string_view prefix);
+
 // Without blanks, tabs and line ends at both ends.
 std::string_view trimmed(std::string_view text);
 

@@ -113,7 +113,13 @@ std::string label_of(const std::string& html, const std::string& key)
 std::string readable(std::string_view html)
 {
     std::string result;
+    constexpr std::string_view no_break_space = "\u00A0";
     for (std::size_t i = 0; i < html.size(); ++i) {
+        if (html.substr(i, no_break_space.size()) == no_break_space) {
+            result += ' ';
+            i += no_break_space.size() - 1;
+            continue;
+        }
         if (html.substr(i, 2) != "&#") {
             result += html[i];
             continue;
@@ -199,7 +205,10 @@ private:
     void check_element(const std::string& name, bool closes)
     {
         static const std::set<std::string> empty = {"meta", "br"};
-        static const std::set<std::string> known = {"html",
+        static const std::set<std::string> known = {"code",
+                                                    "div",
+                                                    "wbr",
+                                                    "html",
                                                     "head",
                                                     "body",
                                                     "title",

@@ -4,6 +4,7 @@
 #include "quillet/macromolecule.h"
 #include "quillet/scattering.h"
 #include "quillet/small_molecule.h"
+#include "quillet/text_source.h"
 #include "tests/quillet/support.h"
 
 #include <gmock/gmock.h>
@@ -175,12 +176,21 @@ TEST(TemplateTable, RowOfAnotherTableIsAnError)
               "t.html: error: this table has no row of the key \u201cA.Z\u201d");
 }
 
-TEST(TemplateFile, IsLookedForInTheWorkingDirectoryThenBesideTheProgram)
+// What templates may use is documented.
+TEST(TemplateReadme, TellsAllFieldsAndTables)
 {
-    const test::TemporaryFile file("\xEF\xBB\xBF" + anchors + "mine\r\n</body>", "mine.html");
-    const auto found = ArticleTemplate::from_file("mine.html", file.folder());
-    EXPECT_THAT(found.render({}, words(), {}), testing::StartsWith(anchors + "mine\n"));
-    EXPECT_THROW(ArticleTemplate::from_file("absent.html", file.folder()), InputError);
+    const std::string readme =
+        read_text(std::string(VEXA_SOURCE_DIR) + "/quillet/templates/README.md");
+    for (const Vocabulary* vocabulary :
+         {&small_molecule_vocabulary(), &macromolecule_vocabulary(), &scattering_vocabulary()}) {
+        for (const std::string_view name : vocabulary->names) {
+            const bool is_told =
+                readme.find("`" + std::string(name) + "`") != std::string::npos ||
+                readme.find("{{" + std::string(name) + "}}") != std::string::npos ||
+                readme.find("{{#" + std::string(name) + "}}") != std::string::npos;
+            EXPECT_TRUE(is_told) << name;
+        }
+    }
 }
 
 // All templates that are part of the program keep to the words that the program knows.

@@ -41,6 +41,13 @@ TEST(Names, WithoutCommaTheLastWordIsTheFamilyName)
     expect_split("Plato", "", "Plato");
 }
 
+TEST(Names, OfGroupsAreNotSplit)
+{
+    expect_split("Joint Center for Structural Genomics (JCSG)", "",
+                 "Joint Center for Structural Genomics (JCSG)");
+    expect_split("(JCSG)", "", "(JCSG)");
+}
+
 TEST(Names, WithoutBlanksDotsPartThem)
 {
     expect_split("F.G.A.Stone", "F. G. A.", "Stone");
@@ -96,6 +103,16 @@ TEST(Addresses, LinesAreJoined)
         ElementsAre("Laboratoire des Fluorures - UPRES-A 6010 Facult\u00E9 des Sciences, "
                     "Universit\u00E9 du Maine, Avenue Olivier-Messiaen, 72085 LE MANS "
                     "Cedex 9, FRANCE"));
+}
+
+TEST(Addresses, LengthOfALineIsInCharacters)
+{
+    std::string line;
+    for (int i = 0; i < 50; ++i)
+        line += "\u00E9";
+    EXPECT_THAT(split_addresses(line + "\nParis\n"), ElementsAre(line + ", Paris"));
+    line += "0123456789";
+    EXPECT_THAT(split_addresses(line + "\nParis\n"), ElementsAre(line + " Paris"));
 }
 
 TEST(Addresses, BlankLinesPartThem)
@@ -188,6 +205,58 @@ TEST(Authors, AuditAuthorsAreTheSecondChoice)
                                        "_cell_length_a 1\n");
     ASSERT_EQ(list.authors.size(), 1U);
     EXPECT_EQ(list.authors[0].name.family, "One");
+}
+
+// The columns of a loop with one author in the spelling of a dictionary: name, address, e-mail,
+// ORCID.
+struct PersonItems {
+    std::string name, address, email, orcid;
+};
+
+std::string person(const PersonItems& items, const std::string& name)
+{
+    return items.name + " '" + name + "'\n" + items.address + " Here\n" + items.email +
+           " a@b.org\n" + (items.orcid.empty() ? "" : items.orcid + " 0000-0002-1825-0097\n");
+}
+
+TEST(Authors, EverySourceTellsAllItKnows)
+{
+    const PersonItems sources[] = {{"_publ_author_name", "_publ_author_address",
+                                    "_publ_author_email", "_publ_author_id_orcid"},
+                                   {"_publ_author.name", "_publ_author.address",
+                                    "_publ_author.email", "_publ_author.id_orcid"},
+                                   {"_audit_author_name", "_audit_author_address",
+                                    "_audit_author_email", "_audit_author_id_orcid"},
+                                   {"_audit_author.name", "_audit_author.address",
+                                    "_audit_author.email", "_audit_author.id_ORCID"}};
+    for (const PersonItems& source : sources) {
+        const AuthorList list =
+            authors_of("data_x\n_cell_length_a 1\n" + person(source, "One, A."));
+        ASSERT_EQ(list.authors.size(), 1U) << source.name;
+        EXPECT_EQ(list.authors[0].email, "a@b.org") << source.name;
+        EXPECT_EQ(list.authors[0].orcid, "0000-0002-1825-0097") << source.name;
+        EXPECT_THAT(list.addresses, ElementsAre("Here")) << source.name;
+    }
+}
+
+TEST(Authors, EveryContactIsFound)
+{
+    const PersonItems sources[] = {{"_publ_contact_author_name", "_publ_contact_author_address",
+                                    "_publ_contact_author_email", "_publ_contact_author_id_orcid"},
+                                   {"_audit_contact_author_name", "_audit_contact_author_address",
+                                    "_audit_contact_author_email", ""},
+                                   {"_audit_contact_author.name", "_audit_contact_author.address",
+                                    "_audit_contact_author.email", ""}};
+    for (const PersonItems& source : sources) {
+        const AuthorList list = authors_of(
+            "data_x\n_cell_length_a 1\n_publ_author_name 'A. One'\n" + person(source, "One, Ann"));
+        ASSERT_EQ(list.authors.size(), 1U) << source.name;
+        EXPECT_TRUE(list.authors[0].is_corresponding) << source.name;
+        EXPECT_EQ(list.authors[0].name.given, "Ann") << source.name;
+        EXPECT_EQ(list.authors[0].email, "a@b.org") << source.name;
+        EXPECT_EQ(list.authors[0].orcid.empty(), source.orcid.empty()) << source.name;
+        EXPECT_THAT(list.addresses, ElementsAre("Here")) << source.name;
+    }
 }
 
 TEST(Authors, LaterBlocksWithOtherAuthorsAreReported)

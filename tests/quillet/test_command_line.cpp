@@ -1,9 +1,12 @@
 #include "quillet/command_line.h"
 
+#include "quillet/run.h"
+
 #include "tests/quillet/support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace quillet
 {
@@ -22,13 +25,18 @@ const std::string small_cif = "data_I\n_cell_length_a 7\n";
 TEST(CommandLine, CallsOfTheApplication)
 {
     CommandLine command = parse_command_line({"-htmmo6", "/a b/x.cif"});
-    EXPECT_EQ(command.flavour, Flavour::structure);
+    EXPECT_EQ(command.article.kind, ArticleKind::structure);
     EXPECT_EQ(command.cif_path, "/a b/x.cif");
-    EXPECT_EQ(parse_command_line({"-htmmo5", "x.cif"}).flavour, Flavour::communication);
-    EXPECT_EQ(parse_command_line({"-htmmo6", "x.cif", "-sas"}).flavour, Flavour::scattering);
+    EXPECT_EQ(parse_command_line({"-htmmo5", "x.cif"}).article.kind, ArticleKind::communication);
+    EXPECT_EQ(parse_command_line({"-htmmo6", "x.cif", "-sas"}).article.kind,
+              ArticleKind::scattering);
+    EXPECT_EQ(parse_command_line({"-sas", "x.cif"}).article.kind, ArticleKind::scattering);
+    EXPECT_EQ(parse_command_line({"-sas", "x.cif"}).cif_path, "x.cif");
+    EXPECT_EQ(parse_command_line({"-sas", "x.cif", "-htmmo5"}).article.kind,
+              ArticleKind::scattering);
     command = parse_command_line({"-htmPX", "x.cif", "C", "t.html"});
-    EXPECT_EQ(command.flavour, Flavour::small_molecule);
-    EXPECT_EQ(command.template_name, "t.html");
+    EXPECT_EQ(command.article.kind, ArticleKind::small_molecule);
+    EXPECT_EQ(command.article.template_path, "t.html");
 }
 
 TEST(CommandLine, WarningsHaveAPlace)
@@ -41,12 +49,21 @@ TEST(CommandLine, WarningsHaveAPlace)
     EXPECT_TRUE(parse_command_line({"-htmmo6", "x.cif", "--strict"}).is_strict);
 }
 
+TEST(CommandLine, GeometryIsWhatIsMarkedUnlessAllIsWanted)
+{
+    EXPECT_EQ(parse_command_line({"-htmmo6", "x.cif"}).article.geometry, GeometrySelection::marked);
+    EXPECT_EQ(parse_command_line({"-htmmo6", "x.cif", "--geometry=all"}).article.geometry,
+              GeometrySelection::without_hydrogen);
+}
+
 TEST(CommandLine, WrongCallsAreRefused)
 {
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{},
                                                {"-htmmo6"},
                                                {"-htmmo6", ""},
+                                               {"-sas"},
+                                               {"-sas", "x.cif", "y.cif"},
                                                {"x.cif"},
                                                {"-x", "y.cif"},
                                                {"-htmmo6", "x.cif", "y.cif"},
@@ -128,6 +145,19 @@ TEST(Program, BadTemplateIsAnError)
     EXPECT_EQ(run_quillet({"-htmPX", cif.path(), "C", "absent.html"}).status, 1);
 }
 
+TEST(Program, TemplatesAreLookedForInTheWorkingDirectoryThenBesideTheProgram)
+{
+    const TemporaryFile cif(small_cif);
+    const TemporaryFile mine("\xEF\xBB\xBF{{>article_start}}mine\r\n{{>article_end}}", "mine.html");
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(run({"-htmPX", cif.path(), "C", "mine.html"}, mine.folder(), out, err), 0)
+        << err.str();
+    EXPECT_THAT(out.str(), HasSubstr("mine\n"));
+    EXPECT_EQ(run({"-htmPX", cif.path(), "C", "absent.html"}, mine.folder(), out, err), 1);
+    EXPECT_THAT(err.str(), StartsWith("quillet: absent.html: error: this template is neither"));
+}
+
 TEST(Program, WarningsGoWhereTheyAreSent)
 {
     const TemporaryFile file("data_I\n_cell_length_a '\u00E9'\n_cell_length_a 2\n");
@@ -149,6 +179,15 @@ TEST(Program, WarningsGoWhereTheyAreSent)
     EXPECT_EQ(strict.status, 1);
     EXPECT_EQ(strict.out, "");
     EXPECT_THAT(strict.err, HasSubstr(file.path() + ":3:1: error: Data name"));
+}
+
+TEST(Program, StrictnessIsAboutWarningsNotRemarks)
+{
+    const TemporaryFile file("data_I\n_cell_length_a 2\n_reflns_threshold_expression I>2\\s(I)\n");
+    const Outcome outcome = run_quillet(
+        {"-htmPX", file.path(), "C", "qlettemplate_word.html", "--strict", "--warnings=stderr"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, HasSubstr(": note: Rows left out"));
 }
 
 TEST(Program, FileDecidesWhichArticleIsMade)

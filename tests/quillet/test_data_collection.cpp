@@ -126,6 +126,16 @@ TEST(DataCollection, DataSetsAreColumnsByTheirOrdinals)
     EXPECT_THAT(html, HasSubstr("<thead>"));
 }
 
+TEST(DataCollection, DataSetsOfDifferentRadiationAreToldApart)
+{
+    const std::string html = article_of(
+        "data_x\n_entry.id x\nloop_\n_reflns.pdbx_ordinal\n_reflns.pdbx_diffrn_id\n1 1\n2 2\n"
+        "loop_\n_diffrn_radiation.diffrn_id\n_diffrn_radiation.pdbx_scattering_type\n"
+        "1 x-ray\n2 NEUTRON\n");
+    EXPECT_THAT(html, HasSubstr("<th scope=\"col\">Data set 1, X-ray</th>"
+                                "<th scope=\"col\">Data set 2, Neutron</th>"));
+}
+
 TEST(DataCollection, WhatNamesNoExperimentBelongsToTheFirst)
 {
     const std::string html =

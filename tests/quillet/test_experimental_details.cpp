@@ -69,6 +69,15 @@ TEST(ExperimentalDetails, SystemAndGroup)
     EXPECT_THAT(row("A.cs_sg", ""), ElementsAre("?"));
 }
 
+TEST(ExperimentalDetails, SuperspaceAndMagneticGroupsAreNamed)
+{
+    EXPECT_THAT(row("A.cs_sg", "_space_group_crystal_system monoclinic\n"
+                               "_space_group_ssg_name 'I2/c(\\a0\\g)0s'\n"),
+                ElementsAre("Monoclinic, I2/c(\u03B10\u03B3)0s"));
+    EXPECT_THAT(row("A.cs_sg", "_space_group_magn.name_BNS \"C2'/c'\"\n"),
+                ElementsAre("?, C2'/c'"));
+}
+
 TEST(ExperimentalDetails, DoubtfulGroupsAreReported)
 {
     EXPECT_THAT(notes_of("_symmetry_space_group_name_H-M P_1\n"), HasSubstr("not known"));
@@ -242,6 +251,7 @@ TEST(ExperimentalDetails, OptionalRowsNeedAValue)
     EXPECT_THAT(row("A.wt", "_refine_ls_weighting_scheme calc\n"), IsEmpty());
     EXPECT_THAT(row("A.wt", "_refine_ls_weighting_scheme w=1\n"), ElementsAre("w=1"));
     EXPECT_THAT(row("A.shift", "_refine_ls_shift/su_max_lt 0.001\n"), ElementsAre("&lt;0.001"));
+    EXPECT_THAT(row("A.shift", "_refine_ls_shift/su_max_lt <0.001\n"), ElementsAre("&lt;0.001"));
     EXPECT_THAT(row("A.shift", "_refine_ls_shift/su_max <0.001\n"), ElementsAre("&lt;0.001"));
     EXPECT_THAT(row("A.Zp", "_cell.formula_units_Z_prime 0.5\n"), ElementsAre("0.5"));
     EXPECT_THAT(notes_of(""), HasSubstr("_exptl_crystal_density_diffrn"));
@@ -267,6 +277,38 @@ TEST(ExperimentalDetails, HydrogenTreatment)
     EXPECT_THAT(row("A.H", "_refine_ls_hydrogen_treatment ?\nloop_\n_atom_site_label\n"
                            "_atom_site_type_symbol\nC1 C\nH1 H\n"),
                 ElementsAre("?"));
+}
+
+TEST(ExperimentalDetails, OnlyWhatTheStructureCouldHaveIsMissed)
+{
+    const std::string polar = "_space_group_name_H-M_alt 'P 21'\n";
+    const std::string centred = "_space_group_name_H-M_alt 'P 21/c'\n";
+    EXPECT_THAT(notes_of(polar), HasSubstr("_refine_ls_abs_structure_Flack"));
+    EXPECT_THAT(notes_of(centred), Not(HasSubstr("_refine_ls_abs_structure")));
+    EXPECT_THAT(notes_of(centred + "data_II\n_cell_length_a 1\n" + polar),
+                HasSubstr("_refine_ls_abs_structure_Flack"));
+    EXPECT_THAT(row("A.flack", centred + "_refine_ls_abs_structure_Flack 0.1(2)\n"),
+                ElementsAre("0.1 (2)"));
+
+    const std::string atoms = "loop_\n_atom_site_label\n_atom_site_type_symbol\nC1 C\n";
+    EXPECT_THAT(notes_of(""), HasSubstr("_refine_ls_hydrogen_treatment"));
+    EXPECT_THAT(notes_of(atoms), Not(HasSubstr("_refine_ls_hydrogen_treatment")));
+
+    EXPECT_THAT(notes_of(""), Not(HasSubstr("_cell_formula_units_Z_prime")));
+    EXPECT_THAT(notes_of("_diffrn_radiation_wavelength 0.71\n"),
+                Not(HasSubstr("_diffrn_radiation_wavelength")));
+    EXPECT_THAT(notes_of("_diffrn_reflns_theta_max 25\n"),
+                HasSubstr("_diffrn_radiation_wavelength"));
+}
+
+TEST(ExperimentalDetails, QuantitiesThatDifferAreToldOnce)
+{
+    const std::string on_f = "_refine_ls_structure_factor_coef F\n";
+    const std::string notes =
+        notes_of("data_II\n_cell_length_a 1\n" + on_f + "data_III\n_cell_length_a 1\n" + on_f);
+    const auto first = notes.find("refined on the same quantity");
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(notes.find("refined on the same quantity", first + 1), std::string::npos);
 }
 
 TEST(ExperimentalDetails, StructuresAreColumnsWithHeadings)

@@ -22,6 +22,11 @@ TEST(Html, CharactersThatXmlForbidsAreDropped)
               "abc\td\ne");
 }
 
+TEST(Html, CarriageReturnsBecomeLineFeeds)
+{
+    EXPECT_EQ(escape("a\rb").str(), "a\nb");
+}
+
 TEST(Html, BytesThatAreNotUtf8BecomeReplacementCharacters)
 {
     EXPECT_EQ(escape("a\xE9z").str(), "a\uFFFDz");

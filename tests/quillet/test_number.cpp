@@ -7,6 +7,15 @@ namespace quillet
 namespace
 {
 
+TEST(Integers, AreWholeAndSmall)
+{
+    EXPECT_EQ(parse_integer("14"), 14);
+    EXPECT_EQ(parse_integer("-3"), -3);
+    EXPECT_EQ(parse_integer("007"), 7);
+    for (const char* text : {"1.5", "1e5", "<4", "1234567", "x", ""})
+        EXPECT_FALSE(parse_integer(text)) << text;
+}
+
 struct NumberCase {
     const char* given;
     NumberFormat format;
@@ -108,8 +117,30 @@ TEST(ValueWithError, ErrorHasTwoDigitsButNoMoreDecimalsThanGiven)
     EXPECT_EQ(printed("0.3660000000", "0.0002400000"), "0.36600 \u00B1 0.00024");
     EXPECT_EQ(printed("63.25", "1.64"), "63.3 \u00B1 1.6");
     EXPECT_EQ(printed("2.930", "0.003"), "2.930 \u00B1 0.003");
+    EXPECT_EQ(printed("6.63e-02", "1.2E-4"), "0.06630 \u00B1 0.00012");
+    EXPECT_EQ(printed("1.25e+1", "0.5"), "12.5 \u00B1 0.5");
     EXPECT_EQ(printed("2.93", "0"), "none");
+    EXPECT_EQ(printed("2.93", "-0.1"), "none");
+    EXPECT_EQ(printed("2.93(4)", "0.1"), "none");
+    EXPECT_EQ(printed("<2.93", "0.1"), "none");
+    EXPECT_EQ(printed("2.93", "1e-99"), "none");
     EXPECT_EQ(printed("2.93", "n.d."), "none");
+}
+
+TEST(WithoutExponent, MovesTheDecimalPoint)
+{
+    const auto plain = [](const char* text) {
+        const auto number = without_exponent(*parse_number(text));
+        return number ? format_number(*number, as_given).str() : "none";
+    };
+    EXPECT_EQ(plain("1.2e-3"), "0.0012");
+    EXPECT_EQ(plain("2.50E+00"), "2.50");
+    EXPECT_EQ(plain("0.25e1"), "2.5");
+    EXPECT_EQ(plain("-4e2"), "\u2212400");
+    EXPECT_EQ(plain("4(3)e2"), "400\u00A0(300)");
+    EXPECT_EQ(plain("0e0"), "0");
+    EXPECT_EQ(plain("1e31"), "none");
+    EXPECT_EQ(plain("1.5"), "1.5");
 }
 
 TEST(Decimals, SumsAndProductsAreExact)

@@ -105,6 +105,23 @@ TEST(ReadCif, DuplicateNamesAreReportedAndTheUsableValueIsTaken)
     EXPECT_EQ(notes.all().back().where.line, 5U);
 }
 
+TEST(ReadCif, ManyDuplicateNamesAreReportedTogether)
+{
+    const std::string form =
+        "_cell_length_a ?\n_cell_length_b ?\n_cell_length_c ?\n_cell_volume ?\n";
+    const std::string values =
+        "_cell_volume 4\n_cell_length_a 1\n_cell_length_b 2\n_cell_length_c 3\n";
+    Notes notes;
+    const Document document = document_of("data_x\n" + form + values, &notes);
+    EXPECT_EQ(document.blocks.front().item("_cell_volume").text, "4");
+    ASSERT_EQ(notes.all().size(), 1U);
+    EXPECT_EQ(notes.all().front().where.line, 6U);
+    EXPECT_THAT(notes.all().front().text,
+                HasSubstr("4 data names stand twice in data_x; of each the first value that is not "
+                          "\u201c?\u201d is used: _cell_volume (lines 5 and 6), _cell_length_a "
+                          "(lines 2 and 7), "));
+}
+
 TEST(ReadCif, BlocksOfTheSameNameAreReported)
 {
     Notes notes;
@@ -145,6 +162,61 @@ TEST(ReadCif, ValueThatFillsMoreThanOneBufferIsRead)
     const Document document = document_of(text + ";\n_cell_length_a 3\n");
     EXPECT_GT(document.blocks.front().item("_publ_section_comment").text.size(), 399000U);
     EXPECT_EQ(document.blocks.front().item("_cell_length_a").text, "3");
+}
+
+std::string value_of(std::string_view cif, std::string_view tag)
+{
+    return std::string(document_of(cif).blocks.front().item(tag).text);
+}
+
+TEST(ReadCif2, StringsListsAndTables)
+{
+    const std::string cif = R"~(#\#CIF_2.0
+data_Über
+_cell_length_a 7
+_publ_a """two
+lines"""
+_publ_b '''it's nice'''
+_publ_c [1 [2 'x ]'] ]
+_publ_d { 'k':1 "l":[2] }
+_publ_e Notkestraße
+_publ_f ''
+loop_
+_publ_g
+[1 2]
+{}
+'z'
+)~";
+    const Document document = document_of(cif);
+    const Block& block = document.blocks.front();
+    EXPECT_EQ(block.name(), "Über");
+    EXPECT_EQ(block.item("_publ_a").text, "two\nlines");
+    EXPECT_EQ(block.item("_publ_b").text, "it's nice");
+    EXPECT_EQ(block.item("_publ_c").text, "[1 [2 'x ]'] ]");
+    EXPECT_EQ(block.item("_publ_d").text, "{ 'k':1 \"l\":[2] }");
+    EXPECT_EQ(block.item("_publ_e").text, "Notkestraße");
+    EXPECT_EQ(block.item("_publ_f").state, State::unknown);
+    EXPECT_EQ(block.count("_publ_g"), 3U);
+}
+
+TEST(ReadCif2, MagicCodeMayFollowAByteOrderMark)
+{
+    EXPECT_EQ(value_of("\xEF\xBB\xBF#\\#CIF_2.0\ndata_x\n_cell_length_a \"\"\"7\"\"\"\n",
+                       "_cell_length_a"),
+              "7");
+}
+
+TEST(ReadCif2, BrokenSyntaxIsRefusedWithItsPlace)
+{
+    const std::string head = "#\\#CIF_2.0\ndata_x\n";
+    expect_refused(head + "_a [1 2\n", 4, 1, "file ends");
+    expect_refused(head + "_a {'k' 1}\n", 3, 8, "colon");
+    expect_refused(head + "_a \"\"\"x\ny\n", 3, 4, "three quotation marks");
+    expect_refused(head + "_a 'x\n", 3, 4, "not closed in its line");
+    expect_refused(head + "_a 'it's'\n", 3, 8, "s'");
+    expect_refused(head + "_a\n_b 1\n", 3, 1, "_a has no value");
+    expect_refused(head + "_a " + std::string(200, '[') + "\n", 3, 104, "nested too deeply");
+    expect_refused("#\\#CIF_2.0\n", 0, 0, "holds no data");
 }
 
 TEST(RecogniseKind, FollowsTheDataNames)

@@ -1,5 +1,6 @@
 #include "quillet/scattering_parameters.h"
 
+#include "quillet/scattering_sample.h"
 #include "tests/quillet/support.h"
 
 #include <gmock/gmock.h>

@@ -78,7 +78,10 @@ TEST(SpaceGroup, SystemFollowsFromTheSymbol)
 TEST(SpaceGroup, FromHallSymbol)
 {
     EXPECT_EQ(space_group_from_hall("-P 2ybc").symbol.str(), "<i>P</i>2<sub>1</sub>/<i>c</i>");
+    EXPECT_EQ(space_group_from_hall(" -p 2ybc ").number, 14);
+    EXPECT_EQ(space_group_from_hall("-F 4vw 2vw 3").symbol.str(), "<i>Fd</i>3\u0305<i>m</i>:2");
     EXPECT_EQ(space_group_from_hall("rubbish").number, 0);
+    EXPECT_EQ(space_group_from_hall("C13 13 22").number, 0); // made gemmi read out of bounds
     EXPECT_EQ(space_group_from_hall("").number, 0);
 }
 

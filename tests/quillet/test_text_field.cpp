@@ -9,18 +9,26 @@ namespace
 
 TEST(TextField, DelimitersAndBlanksAtTheEndAreCut)
 {
-    EXPECT_EQ(decode_value("plain", false), "plain");
-    EXPECT_EQ(decode_value("'it's quoted '", false), "it's quoted");
-    EXPECT_EQ(decode_value("\"a\"", false), "a");
-    EXPECT_EQ(decode_value("''", false), "");
-    EXPECT_EQ(decode_value(";\nfirst\nsecond  \n;", true), "\nfirst\nsecond");
-    EXPECT_EQ(decode_value("; first\n\n;", true), " first");
-    EXPECT_EQ(decode_value(";;", true), "");
+    EXPECT_EQ(decode_value("plain", false, CifVersion::cif_1_1), "plain");
+    EXPECT_EQ(decode_value("'it's quoted '", false, CifVersion::cif_1_1), "it's quoted");
+    EXPECT_EQ(decode_value("\"a\"", false, CifVersion::cif_1_1), "a");
+    EXPECT_EQ(decode_value("''", false, CifVersion::cif_1_1), "");
+    EXPECT_EQ(decode_value(";\nfirst\nsecond  \n;", true, CifVersion::cif_1_1), "\nfirst\nsecond");
+    EXPECT_EQ(decode_value("; first\n\n;", true, CifVersion::cif_1_1), " first");
+    EXPECT_EQ(decode_value(";;", true, CifVersion::cif_1_1), "");
 }
 
 TEST(TextField, SemicolonInsideALineIsNoDelimiter)
 {
-    EXPECT_EQ(decode_value(";x", false), ";x");
+    EXPECT_EQ(decode_value(";x", false, CifVersion::cif_1_1), ";x");
+}
+
+TEST(TextField, ThreeQuotationMarksAreDelimitersOfCif2Only)
+{
+    EXPECT_EQ(decode_value("'''a'b'''", false, CifVersion::cif_2_0), "a'b");
+    EXPECT_EQ(decode_value("''''''", false, CifVersion::cif_2_0), "");
+    EXPECT_EQ(decode_value("''", false, CifVersion::cif_2_0), "");
+    EXPECT_EQ(decode_value("'''a'b'''", false, CifVersion::cif_1_1), "''a'b''");
 }
 
 TEST(TextField, FoldedLinesAreJoined)

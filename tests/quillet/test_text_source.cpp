@@ -131,6 +131,41 @@ TEST(TextSource, CharactersAcrossPiecesStayWhole)
     EXPECT_EQ(converted(first + "\r\ny"), first + "\ny");
 }
 
+// Long runs that need no repair are passed on as they are; repairs begin and end anywhere.
+TEST(TextSource, RepairsBetweenLongCleanRuns)
+{
+    const std::string clean_line(79, 'x');
+    std::string bytes;
+    std::string expected;
+    for (int line = 1; line <= 6000; ++line) {
+        bytes += clean_line;
+        expected += clean_line;
+        if (line % 1501 == 0) {
+            bytes += "\xE9\xC3\xA9\r\n";
+            expected += "\u00E9\u00E9\n";
+        } else if (line % 1999 == 0) {
+            bytes += std::string("\0\r", 2);
+            expected += '\n';
+        } else {
+            bytes += '\n';
+            expected += '\n';
+        }
+    }
+    Notes notes;
+    EXPECT_EQ(converted(bytes, &notes), expected);
+    const TemporaryFile file(bytes);
+    TextSource source(file.path());
+    std::string text(expected.size(), '\0');
+    std::size_t size = 0;
+    while (const std::size_t count = source.read(text.data() + size, text.size() - size))
+        size += count;
+    EXPECT_EQ(text, expected);
+    ASSERT_EQ(notes.all().size(), 3U);
+    EXPECT_EQ(format_position(notes.all()[0].where), "line 1501, column 84"); // line ends
+    EXPECT_EQ(format_position(notes.all()[1].where), "line 1501, column 80"); // not UTF-8
+    EXPECT_EQ(format_position(notes.all()[2].where), "line 1999, column 80"); // NUL
+}
+
 TEST(TextSource, FilesThatCannotBeReadAreErrors)
 {
     EXPECT_THROW(TextSource("/nonexistent/file.cif"), InputError);
