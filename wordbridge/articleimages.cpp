@@ -21,7 +21,8 @@ QByteArray bytesOfDataUri(const QString& uri)
 {
     const int comma = uri.indexOf(QLatin1Char(','));
     const QByteArray data = QByteArray::fromPercentEncoding(uri.mid(comma + 1).toLatin1());
-    return uri.left(comma).endsWith(QLatin1String(";base64")) ? QByteArray::fromBase64(data) : data;
+    return uri.leftRef(comma).endsWith(QLatin1String(";base64")) ? QByteArray::fromBase64(data)
+                                                                 : data;
 }
 
 QByteArray imageBytes(const QString& source, const QString& folder)

@@ -304,14 +304,16 @@ private:
 
     // --- Captions
 
-    // "Table 3" becomes "Table " and a number field, if 3 is what the field counts to.
+    // "Table 3" becomes "Table " and a number field, if 3 is what the field counts to. "Fig. 3" and
+    // "Figure 3" count together.
     void writeCaption(const HtmlNode& node, const Surroundings& around)
     {
         static const QRegularExpression counted(
-            QStringLiteral("^(Table|Figure|Scheme)\\s(\\d+)\\b"));
+            QStringLiteral("^(Table|Fig(?:ure|\\.)|Scheme)\\s(\\d+)\\b"));
         const QRegularExpressionMatch match = counted.match(node.plainText().simplified());
         if (match.hasMatch()) {
-            const QString kind = match.captured(1);
+            const QString label = match.captured(1);
+            const QString kind = label == QLatin1String("Fig.") ? QStringLiteral("Figure") : label;
             const int number = match.captured(2).toInt();
             if (number == m_captionCounts.value(kind) + 1) {
                 m_captionCounts[kind] = number;

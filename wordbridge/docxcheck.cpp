@@ -164,7 +164,8 @@ private:
 
     void checkRelationshipAttributes(const QXmlStreamReader& xml)
     {
-        for (const QXmlStreamAttribute& attribute : xml.attributes()) {
+        const QXmlStreamAttributes attributes = xml.attributes();
+        for (const QXmlStreamAttribute& attribute : attributes) {
             if (attribute.namespaceUri() == relationshipNamespace &&
                 !m_relationships.contains(attribute.value().toString()))
                 find(QStringLiteral("there is no relationship %1")

@@ -36,8 +36,9 @@ QString styleOfClass(const QString& name)
 QMap<QString, QString> inlineCss(const HtmlNode& element)
 {
     QMap<QString, QString> css;
-    for (const QString& declaration :
-         element.attributes.value(QStringLiteral("style")).split(QLatin1Char(';'))) {
+    const QStringList declarations =
+        element.attributes.value(QStringLiteral("style")).split(QLatin1Char(';'));
+    for (const QString& declaration : declarations) {
         const int colon = declaration.indexOf(QLatin1Char(':'));
         if (colon > 0)
             css.insert(declaration.left(colon).trimmed().toLower(),
@@ -110,11 +111,11 @@ bool isBlock(const QString& name)
                     "figure",  "figcaption", "address", "center",  "form",       "fieldset"});
 }
 
-bool containsBlock(const HtmlNode& node)
+bool containsBlock(const HtmlNode& element)
 {
-    return std::any_of(node.children.cbegin(), node.children.cend(), [](const HtmlNode& child) {
-        return isBlock(child.name) || containsBlock(child);
-    });
+    return std::any_of(
+        element.children.cbegin(), element.children.cend(),
+        [](const HtmlNode& child) { return isBlock(child.name) || containsBlock(child); });
 }
 
 Surroundings insideBlock(const HtmlNode& block, const Surroundings& around)
@@ -135,7 +136,8 @@ Surroundings insideBlock(const HtmlNode& block, const Surroundings& around)
     } else if (name == QLatin1String("center")) {
         paragraph.alignment = QStringLiteral("center");
     }
-    for (const QString& className : block.classes()) {
+    const QStringList classes = block.classes();
+    for (const QString& className : classes) {
         const QString style = styleOfClass(className);
         if (!style.isEmpty())
             paragraph.style = style;

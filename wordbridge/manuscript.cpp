@@ -117,7 +117,8 @@ void finishDocument(const QString& path, const ManuscriptSource& source, QString
     Package document = Package::read(path);
     requireArticle(document, source);
     addCustomXml(document, manuscriptXml(source.metadata));
-    for (const QString& finding : checkWordDocument(document))
+    const QStringList findings = checkWordDocument(document);
+    for (const QString& finding : findings)
         remarks.push_back(
             QStringLiteral("Word may have to repair the manuscript: %1").arg(finding));
     document.write(path);

@@ -58,8 +58,9 @@ bool copyTo(QFile& target, const QByteArray& content)
 
 QString manuscriptBaseName(const QString& name)
 {
+    const QString oneLine = name.simplified();
     QString clean;
-    for (const QChar c : name.simplified()) {
+    for (const QChar c : oneLine) {
         const bool forbidden =
             c.unicode() < 0x20 || c.unicode() == 0x7F || QStringLiteral("/\\:*?\"<>|").contains(c);
         clean.append(forbidden ? QLatin1Char('_') : c);

@@ -32,7 +32,8 @@ QString textProperties(const TextFormat& format)
     if (format.smallCapitals)
         attributes += attribute("fo:font-variant", QStringLiteral("small-caps"));
     if (format.monospaced)
-        attributes += attribute("style:font-name", QStringLiteral("Courier New"));
+        attributes += attribute("fo:font-family", QStringLiteral("Courier New")) +
+                      attribute("style:font-pitch", QStringLiteral("fixed"));
     // These very values become real superscripts and subscripts in Word, others only shifted text.
     if (format.script > 0)
         attributes += attribute("style:text-position", QStringLiteral("super 58%"));

@@ -9,6 +9,7 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <unistd.h>
+#include <utility>
 
 namespace wordbridge
 {
@@ -117,8 +118,9 @@ QStringList officeFolders()
         QStringLiteral("/usr/lib64/libreoffice/program"),
     };
     const QDir opt(QStringLiteral("/opt"));
-    for (const QString& name :
-         opt.entryList({QStringLiteral("libreoffice*")}, QDir::Dirs, QDir::Name | QDir::Reversed))
+    const QStringList versions =
+        opt.entryList({QStringLiteral("libreoffice*")}, QDir::Dirs, QDir::Name | QDir::Reversed);
+    for (const QString& name : versions)
         folders.push_back(opt.filePath(name + QStringLiteral("/program")));
     return folders;
 }
@@ -136,7 +138,7 @@ std::optional<QString> findOffice()
             candidates << QStandardPaths::findExecutable(name);
         candidates << QStandardPaths::findExecutable(QStringLiteral("soffice"), officeFolders());
     }
-    for (const QString& candidate : candidates) {
+    for (const QString& candidate : std::as_const(candidates)) {
         if (!candidate.isEmpty())
             return candidate;
     }

@@ -40,11 +40,13 @@ Archive openArchive(const QString& path, int flags, const QString& complaint)
 QByteArray readEntry(zip_t* archive, zip_uint64_t index, const zip_stat_t& entry,
                      const QString& path)
 {
-    const Error damaged(QStringLiteral("%1 is damaged: its part %2 cannot be read")
-                            .arg(path, QString::fromUtf8(entry.name)));
+    const auto damaged = [&path, &entry] {
+        return Error(QStringLiteral("%1 is damaged: its part %2 cannot be read")
+                         .arg(path, QString::fromUtf8(entry.name)));
+    };
     const std::unique_ptr<zip_file_t, CloseEntry> file(zip_fopen_index(archive, index, 0));
     if (file == nullptr)
-        throw damaged;
+        throw damaged();
 
     // Read to the end rather than for the stated size: that is what compares the checksum, and a
     // damaged size must not decide how much memory is asked for.
@@ -54,7 +56,7 @@ QByteArray readEntry(zip_t* archive, zip_uint64_t index, const zip_stat_t& entry
     while ((count = zip_fread(file.get(), buffer, sizeof buffer)) > 0)
         content.append(buffer, static_cast<int>(count));
     if (count < 0)
-        throw damaged;
+        throw damaged();
     return content;
 }
 

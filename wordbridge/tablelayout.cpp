@@ -14,11 +14,13 @@ constexpr int allShares = 65535;
 constexpr int mostColumns = 1000; // of one span; as browsers have it
 constexpr int mostRows = 65534;
 
-// In letters. About as many of the table's text as stand in one line of the page.
-constexpr int lineLength = 100;
-constexpr int longestText = 45; // longer text is broken into lines anyway
-constexpr int longestWord = 25;
-constexpr int cellMargin = 2;
+// In widths of a digit, of which a line of the page holds that many in the size of the table's
+// text.
+constexpr double lineLength = 95;
+constexpr double longestText = 43; // longer text is broken into lines anyway
+constexpr double longestWord = 25;
+constexpr double cellMargin = 2;
+constexpr double boldness = 1.1; // how much wider bold letters are
 
 bool isCell(const HtmlNode& node)
 {
@@ -127,34 +129,59 @@ bool isHeaderRow(const TableRow& row)
                        [](const TableCell& cell) { return cell.isCovered || isHeading(cell); });
 }
 
-int longestWordOf(const QString& text)
+// The width of a letter of the manuscript's serif, roughly: enough to tell HOH from ill.
+double letterWidth(QChar letter)
 {
-    int longest = 0;
-    for (const QString& word : text.split(QLatin1Char(' ')))
-        longest = std::max(longest, word.size());
+    static const QString narrow = QStringLiteral("fijlrtI .,;:'|!()[]/-");
+    static const QString wide = QStringLiteral("mwMW%@+<>=");
+    if (letter.isMark())
+        return 0;
+    if (narrow.contains(letter))
+        return 0.65;
+    if (wide.contains(letter))
+        return letter.isUpper() ? 1.85 : 1.5;
+    if (letter == QChar(0x2014)) // em dash
+        return 2;
+    return letter.isUpper() ? 1.4 : 1;
+}
+
+double textWidth(const QString& text)
+{
+    return std::accumulate(text.cbegin(), text.cend(), 0.0,
+                           [](double sum, QChar letter) { return sum + letterWidth(letter); });
+}
+
+double longestWordWidth(const QString& text)
+{
+    const QStringList words = text.split(QLatin1Char(' '));
+    double longest = 0;
+    for (const QString& word : words)
+        longest = std::max(longest, textWidth(word));
     return longest;
 }
 
-// How many letters wide each column should be, and how wide it has to be.
+// How wide each column should be, and how wide it has to be.
 struct Wishes {
-    std::vector<int> wanted;
-    std::vector<int> needed;
+    std::vector<double> wanted;
+    std::vector<double> needed;
 };
 
 Wishes columnWishes(const TableLayout& layout, std::size_t columns)
 {
     // A column of short values, or one still to be filled in, is not squeezed to the page's edge.
-    const int fairShare = lineLength * 2 / (5 * static_cast<int>(columns));
-    Wishes wishes{std::vector<int>(columns, std::max(fairShare, 1 + cellMargin)),
-                  std::vector<int>(columns, 1 + cellMargin)};
-    for (const TableRow& row : layout.rows) {
+    const double fairShare = lineLength * 2 / (5 * static_cast<double>(columns));
+    Wishes wishes{std::vector<double>(columns, std::max(fairShare, 1 + cellMargin)),
+                  std::vector<double>(columns, 1 + cellMargin)};
+    for (std::size_t r = 0; r < layout.rows.size(); ++r) {
+        const double weight = static_cast<int>(r) < layout.headerRows ? boldness : 1;
         for (std::size_t c = 0; c < columns; ++c) {
-            const TableCell& cell = row.cells[c];
+            const TableCell& cell = layout.rows[r].cells[c];
             if (cell.node == nullptr || cell.columns > 1)
                 continue;
             const QString text = cell.node->plainText().simplified();
-            const int wanted = std::min(text.size(), longestText) + cellMargin;
-            const int needed = std::min(longestWordOf(text), longestWord) + cellMargin;
+            const double wanted = std::min(textWidth(text) * weight, longestText) + cellMargin;
+            const double needed =
+                std::min(longestWordWidth(text) * weight, longestWord) + cellMargin;
             wishes.wanted[c] = std::max(wishes.wanted[c], wanted);
             wishes.needed[c] = std::max(wishes.needed[c], needed);
         }
@@ -162,20 +189,44 @@ Wishes columnWishes(const TableLayout& layout, std::size_t columns)
     return wishes;
 }
 
-std::vector<int> sharedOut(const Wishes& wishes)
+double total(const std::vector<double>& widths)
 {
-    const double wanted = std::accumulate(wishes.wanted.cbegin(), wishes.wanted.cend(), 0);
-    const double needed = std::accumulate(wishes.needed.cbegin(), wishes.needed.cend(), 0);
+    return std::accumulate(widths.cbegin(), widths.cend(), 0.0);
+}
+
+// Where the longest words do not fit side by side, the widest columns are cut to one width and
+// break their words, so that the others need not.
+void cutWidest(std::vector<double>& widths)
+{
+    std::vector<double> ascending = widths;
+    std::sort(ascending.begin(), ascending.end());
+    double left = lineLength;
+    for (std::size_t i = 0; i < ascending.size(); ++i) {
+        const double most = left / static_cast<double>(ascending.size() - i);
+        if (ascending[i] > most) {
+            for (double& width : widths)
+                width = std::min(width, most);
+            return;
+        }
+        left -= ascending[i];
+    }
+}
+
+std::vector<int> sharedOut(Wishes wishes)
+{
+    cutWidest(wishes.needed);
+    const double wanted = total(wishes.wanted);
+    const double needed = total(wishes.needed);
     // 1: every column as it wants; 0: every column as it needs
     double ease = 1;
     if (wanted > lineLength && wanted > needed)
         ease = std::max(0.0, (lineLength - needed) / (wanted - needed));
 
     std::vector<int> shares;
-    const double total = needed + ease * (wanted - needed);
+    const double all = needed + ease * (wanted - needed);
     for (std::size_t c = 0; c < wishes.wanted.size(); ++c) {
         const double width = wishes.needed[c] + ease * (wishes.wanted[c] - wishes.needed[c]);
-        shares.push_back(std::max(1, static_cast<int>(allShares * width / total)));
+        shares.push_back(std::max(1, static_cast<int>(allShares * width / all)));
     }
     if (!shares.empty())
         shares.back() += allShares - std::accumulate(shares.cbegin(), shares.cend(), 0);

@@ -182,6 +182,7 @@ private:
     std::uint32_t addChildren(const std::vector<CompoundEntry>& entries)
     {
         std::vector<const CompoundEntry*> sorted;
+        sorted.reserve(entries.size());
         for (const CompoundEntry& entry : entries)
             sorted.push_back(&entry);
         std::sort(sorted.begin(), sorted.end(), before);

@@ -35,9 +35,7 @@ QByteArray compactXml(const QByteArray& xml, const QString& path)
             break;
         case QXmlStreamReader::StartElement:
             writer.writeStartElement(reader.qualifiedName().toString());
-            for (const QXmlStreamAttribute& attribute : reader.attributes())
-                writer.writeAttribute(attribute.qualifiedName().toString(),
-                                      attribute.value().toString());
+            writer.writeAttributes(reader.attributes());
             break;
         case QXmlStreamReader::EndElement:
             writer.writeEndElement();
@@ -72,7 +70,9 @@ QByteArray buildVbaProject(const QString& macrosFolder)
     std::vector<VbaModule> modules;
     modules.push_back(readVbaModule(
         wordbridge::readFile(folder.filePath(QStringLiteral("ThisDocument.cls"))), true));
-    for (const QString& name : folder.entryList({QStringLiteral("*.bas")}, QDir::Files, QDir::Name))
+    const QStringList sources =
+        folder.entryList({QStringLiteral("*.bas")}, QDir::Files, QDir::Name);
+    for (const QString& name : sources)
         modules.push_back(readVbaModule(wordbridge::readFile(folder.filePath(name)), false));
     return writeVbaProject(QStringLiteral("VexaWord"), modules);
 }

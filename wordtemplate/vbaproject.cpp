@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <numeric>
 #include <QtEndian>
+#include <utility>
 
 namespace wordtemplate
 {
@@ -134,7 +135,7 @@ QByteArray hiddenProperty(const QByteArray& value, std::uint8_t seed)
     QByteArray bytes;
     for (const std::uint8_t byte : {seed, beforeLast, last})
         bytes.append(static_cast<char>(byte));
-    for (const char letter : plain) {
+    for (const char letter : std::as_const(plain)) {
         const auto byte = static_cast<std::uint8_t>(letter);
         const auto hidden = static_cast<std::uint8_t>(byte ^ (beforeLast + lastPlain));
         bytes.append(static_cast<char>(hidden));

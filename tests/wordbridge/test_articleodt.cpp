@@ -174,14 +174,28 @@ TEST(ArticleOdt, NumbersCaptionsByFields)
 {
     const QString body = bodyOf("<table><caption>Table 1. First</caption><tr><td>x</table>"
                                 "<p class='caption'><b>Figure 1</b> Plot</p>"
-                                "<table><caption>Table 2</caption><tr><td>x</table>");
+                                "<table><caption>Table 2</caption><tr><td>x</table>"
+                                "<p class='caption'>Fig. 2. Another plot</p>");
     EXPECT_TRUE(body.contains(QLatin1String(
         "Table <text:sequence text:ref-name=\"refTable1\" text:name=\"Table\" "
         "text:formula=\"ooow:Table+1\" style:num-format=\"1\">1</text:sequence>. First")))
         << body.toStdString();
     EXPECT_TRUE(body.contains(QLatin1String("ref-name=\"refTable2\"")));
     EXPECT_TRUE(body.contains(QLatin1String("ref-name=\"refFigure1\"")));
+    EXPECT_TRUE(body.contains(QLatin1String(
+        "Fig. <text:sequence text:ref-name=\"refFigure2\" text:name=\"Figure\" "
+        "text:formula=\"ooow:Figure+1\" style:num-format=\"1\">2</text:sequence>. Another")))
+        << body.toStdString();
     EXPECT_TRUE(body.contains(QLatin1String("<text:sequence-decl ")));
+}
+
+TEST(ArticleOdt, NumbersEachOfSeveralCaptions)
+{
+    const QString body = bodyOf("<div class='caption'><p>Captions</p><p>Fig. 1. First</p>"
+                                "<p>Fig. 2. Second</p></div>");
+    EXPECT_EQ(body.count(QLatin1String("<text:p text:style-name=\"Caption\">")), 3);
+    EXPECT_TRUE(body.contains(QLatin1String("ref-name=\"refFigure1\""))) << body.toStdString();
+    EXPECT_TRUE(body.contains(QLatin1String("ref-name=\"refFigure2\"")));
 }
 
 // A field counts by itself, so it must not replace a number that it would not show.
@@ -323,6 +337,42 @@ TEST(TableLayout, SharesTheWidthOutByContent)
     const HtmlNode wideRoot = parseHtml(wide + "</table>");
     for (const int width : layoutOf(wideRoot).columnWidths)
         EXPECT_GT(width, 65535 / 60 / 2);
+}
+
+// What a column takes of the 16 cm between the margins, in points and without the cell's padding.
+double roomIn(const TableLayout& layout, std::size_t column)
+{
+    return 453.5 * layout.columnWidths.at(column) / 65535 - 7.9;
+}
+
+// Widths of words in 9.5 pt, bold for headings, as the metrics of the font have them.
+TEST(TableLayout, BreaksNoShortWordInANarrowColumn)
+{
+    const HtmlNode root = parseHtml(
+        "<table><thead><tr><th>Entity<th>Type<th>Description<th>Code<th>Copies<th>Chains"
+        "<th>Formula weight (Da)<th>Formula</thead>"
+        "<tr><td>1<td>polymer<td>Transcriptional regulator VexR (VexR)<td>-<td>1<td>A<td>3139.639"
+        "<td>-<tr><td>4<td>non-polymer<td>PENTAETHYLENE GLYCOL<td>HOH<td>31<td>D<td>18.015"
+        "<td>H<sub>2</sub>O</table>");
+    const TableLayout layout = layoutOf(root);
+    EXPECT_GT(roomIn(layout, 1), 49); // non-polymer
+    EXPECT_GT(roomIn(layout, 2), 82); // PENTAETHYLENE
+    EXPECT_GT(roomIn(layout, 3), 22); // Code, HOH
+    EXPECT_GT(roomIn(layout, 5), 31); // Chains
+    EXPECT_GT(roomIn(layout, 7), 37); // Formula
+}
+
+TEST(TableLayout, LetsLongWordsBreakBeforeShortOnes)
+{
+    const QByteArray formula = "<td>C10H20O5\xC2\xB7H12NiO6\xC2\xB7"
+                               "2NO3\xC2\xB7"
+                               "2H2OC10H20O5\xC2\xB7H12NiO6";
+    const HtmlNode root = parseHtml("<table><tr><th scope=row>Formula" + formula.repeated(4) +
+                                    "<tr><th scope=row>Diffractometer<td>a<td>a<td>a<td>a</table>");
+    const TableLayout layout = layoutOf(root);
+    EXPECT_GT(roomIn(layout, 0), 58); // Diffractometer
+    EXPECT_GT(roomIn(layout, 1), 75);
+    EXPECT_NEAR(roomIn(layout, 1), roomIn(layout, 4), 0.1);
 }
 
 PublicationMetadata metadata(int authors, int addresses)

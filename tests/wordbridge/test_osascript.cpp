@@ -32,7 +32,9 @@ const QByteArray article =
     "<thead><tr><th>Quantity</th><th>Value</th></tr></thead>\n<tbody>\n"
     "<tr><th colspan=\"2\">Crystal data</th></tr>\n"
     "<tr data-row=\"A1.v\"><th scope=\"row\"><i>V</i> (&#197;<sup>3</sup>)</th><td>545.6&#8201;(2)"
-    "</td></tr>\n</tbody>\n</table>\n<p class=\"note\">Symmetry code: (i) &#8722;<i>x</i>.</p>\n"
+    "</td></tr>\n<tr><th "
+    "scope=\"row\">Sequence</th><td><code>MKLV<wbr></wbr>AGHE</code></td></tr>\n"
+    "</tbody>\n</table>\n<p class=\"note\">Symmetry code: (i) &#8722;<i>x</i>.</p>\n"
     "</body>\n</html>\n";
 
 const QString journal = QStringLiteral(
@@ -136,6 +138,8 @@ TEST_F(Osascript, MakesTheManuscript)
                              "TableGroup: Crystal data\n"
                              "TableText: V (Å^{3})\n"
                              "TableText: 545.6\u2009(2)\n"
+                             "TableText: Sequence\n"
+                             "TableText: MKLVAGHE\n"
                              "TableNote: Symmetry code: (i) −x."));
     EXPECT_EQ(property(document, QStringLiteral("Journal")),
               QStringLiteral("Revue d'été & Söhne <B>"));
@@ -155,6 +159,7 @@ TEST_F(Osascript, MakesADocumentThatWordAccepts)
     EXPECT_EQ(wordbridge::checkWordDocument(document), QStringList());
     const QString text = textOf(document, "word/document.xml");
     EXPECT_TRUE(text.contains(QLatin1String("<w:tblHeader")));
+    EXPECT_TRUE(text.contains(QLatin1String("<w:rFonts w:ascii=\"Courier New\""))); // a sequence
     EXPECT_TRUE(text.contains(QLatin1String("SEQ Table \\* ARABIC")));
     EXPECT_TRUE(text.contains(QLatin1String("<w:lnNumType")));
     EXPECT_FALSE(text.contains(QLatin1String("w:bookmarkStart"))); // the places have served
