@@ -29,6 +29,10 @@ public:
     // Stops child processes that still run. Leaves the main window alone.
     ~Application() override;
 
+    // Gives the page a file to begin with, as if it had been dropped on the window: once, and not
+    // before the page is there.
+    void openFile(const QString& path);
+
     // See app/resourcefolder.h.
     static bool cpDir(const QString& src, const QString& dst);
     static bool rmDir(const QString& path);
@@ -84,14 +88,21 @@ protected:
     // Ignores deferred deletion: QObject::deleteLater() is a slot too, so the page could call it.
     bool event(QEvent* event) override;
 
+    // Takes the files that the Mac's Finder opens with the program.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void makeMainWindow();
     void loadPage();
+    void handOverFile();
     void evaluateInPage(const QString& script);
     bool storeWorkingCopy(TextReader* reader);
     bool runQuillet(const QString& commandLine, QString* output);
     QString writeInsertedHtml(const QString& html) const;
     void launchWordSession(const QString& xmlText, const QString& htmlPath);
+
+    bool isPageThere = false;
+    QString fileToOpen; // not handed over yet
 
     // Views of windows that quit() has deleted: the page's script may still be running in one.
     std::vector<std::unique_ptr<QWebView>> retiredViews;

@@ -7,37 +7,44 @@
 
 namespace
 {
+// QLatin1String counts with strlen(), which not every compiler takes for a constant.
+template<int size>
+constexpr QLatin1String marker(const char (&text)[size])
+{
+    return QLatin1String(text, size - 1);
+}
+
 // A name that ends in "." stands for every item of its category. All begin with an underscore.
 constexpr std::array<QLatin1String, 28> mmCifMarkers = {
-    QLatin1String("_refine_b_iso.class"),
-    QLatin1String("_refine_ls_shell.entry_id"),
-    QLatin1String("_refine.entry_id"),
-    QLatin1String("_pdbx_phasing_mr."),
-    QLatin1String("_phasing_mir_der."),
-    QLatin1String("_phasing_mir."),
-    QLatin1String("_phasing_mad_clust."),
-    QLatin1String("_phasing_mad_set."),
-    QLatin1String("_phasing_mad.entry_id"),
-    QLatin1String("_phasing_set.id"),
-    QLatin1String("_computing.entry_id"),
-    QLatin1String("_reflns.entry_id"),
-    QLatin1String("_diffrn.id"),
-    QLatin1String("_diffrn_source.diffrn_id"),
-    QLatin1String("_diffrn_measurement.diffrn_id"),
-    QLatin1String("_diffrn_detector.diffrn_id"),
-    QLatin1String("_diffrn_radiation.diffrn_id"),
-    QLatin1String("_cell.entry_id"),
+    marker("_refine_b_iso.class"),
+    marker("_refine_ls_shell.entry_id"),
+    marker("_refine.entry_id"),
+    marker("_pdbx_phasing_mr."),
+    marker("_phasing_mir_der."),
+    marker("_phasing_mir."),
+    marker("_phasing_mad_clust."),
+    marker("_phasing_mad_set."),
+    marker("_phasing_mad.entry_id"),
+    marker("_phasing_set.id"),
+    marker("_computing.entry_id"),
+    marker("_reflns.entry_id"),
+    marker("_diffrn.id"),
+    marker("_diffrn_source.diffrn_id"),
+    marker("_diffrn_measurement.diffrn_id"),
+    marker("_diffrn_detector.diffrn_id"),
+    marker("_diffrn_radiation.diffrn_id"),
+    marker("_cell.entry_id"),
     // One name, although it reads like two run together; neither half alone is a marker.
-    QLatin1String("_exptl_crystal_grow._symmetry.entry_id"),
-    QLatin1String("_pdbx_exptl_crystal_grow_sol."),
-    QLatin1String("_pdbx_exptl_crystal_grow_comp."),
-    QLatin1String("_pdbx_exptl_crystal_cryo_treatment."),
-    QLatin1String("_struct_keywords."),
-    QLatin1String("_struct_biol."),
-    QLatin1String("_pdbx_entity_prod_protocol."),
-    QLatin1String("_entity_src_nat."),
-    QLatin1String("_entity_src_gen."),
-    QLatin1String("_entity."),
+    marker("_exptl_crystal_grow._symmetry.entry_id"),
+    marker("_pdbx_exptl_crystal_grow_sol."),
+    marker("_pdbx_exptl_crystal_grow_comp."),
+    marker("_pdbx_exptl_crystal_cryo_treatment."),
+    marker("_struct_keywords."),
+    marker("_struct_biol."),
+    marker("_pdbx_entity_prod_protocol."),
+    marker("_entity_src_nat."),
+    marker("_entity_src_gen."),
+    marker("_entity."),
 };
 
 constexpr int longestMarker = [] {

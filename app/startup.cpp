@@ -1,5 +1,6 @@
 // Start-up and end: resources, window, page, script bridge.
 #include "app/application.h"
+#include "app/pagememory.h"
 #include "app/resourcefolder.h"
 #include "process/procthread.h"
 #include "widgets/webwidget.h"
@@ -8,6 +9,8 @@
 #include <QDir>
 #include <QEvent>
 #include <QFile>
+#include <QFileOpenEvent>
+#include <QNetworkAccessManager>
 #include <QProcess>
 #include <QTimer>
 #include <QUrl>
@@ -38,6 +41,7 @@ Application::Application(QObject* parent) : QObject(parent)
     makeMainWindow();
     loadPage();
     mainWindow->setVisible(true);
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 Application::~Application()
@@ -66,6 +70,16 @@ void Application::makeMainWindow()
     mainWindow->setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
     mainWindow->resize(500, 450);
     mainWindow->setWindowTitle(QStringLiteral("Vexa Word"));
+    // All that a screen reader ever gets: the engine tells it nothing of the page.
+    mainWindow->setAccessibleName(QStringLiteral("Vexa Word"));
+    mainWindow->setAccessibleDescription(
+        QStringLiteral("Starts the manuscript of a crystallographic article from a CIF"));
+    mainWindow->webView()->setAccessibleName(QStringLiteral("Structure, journal, manuscript"));
+    mainWindow->webView()->setAccessibleDescription(
+        QStringLiteral("Three steps, worked with Tab and Return; F1 explains them"));
+    // Beside the resources, not among them: a new version of these keeps what was remembered.
+    mainWindow->webView()->page()->networkAccessManager()->setCookieJar(new pageMemory(
+        QDir::homePath() + QStringLiteral("/Library/Application Support/VexaWord/page.cookies")));
     // After the window's own connection to this signal, so that the page has "QuilLet" first.
     connect(mainWindow->webView()->page(), SIGNAL(loadFinished(bool)), this,
             SLOT(pageLoaded(bool)));
@@ -94,6 +108,28 @@ void Application::pageLoaded(bool)
     if (!setupInfo.isEmpty())
         mainFrame->evaluateJavaScript(QStringLiteral("showsetupinfo(\"") + setupInfo +
                                       QStringLiteral("\");"));
+    isPageThere = true;
+    handOverFile();
+}
+
+void Application::openFile(const QString& path)
+{
+    fileToOpen = path;
+    if (isPageThere)
+        handOverFile();
+}
+
+void Application::handOverFile()
+{
+    if (mainWindow && !fileToOpen.isEmpty())
+        mainWindow->nameDroppedFile(std::exchange(fileToOpen, QString()));
+}
+
+bool Application::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::FileOpen)
+        openFile(static_cast<QFileOpenEvent*>(event)->file());
+    return QObject::eventFilter(watched, event);
 }
 
 void Application::evaluateInPage(const QString& script)

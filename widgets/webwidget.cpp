@@ -7,8 +7,15 @@
 #include "widgets/webwidgettoolbutton.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QHBoxLayout>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QMimeData>
 #include <QPainter>
+#include <QTimer>
+#include <QUrl>
 #include <QVBoxLayout>
 #include <QWebFrame>
 #include <QWebPage>
@@ -52,6 +59,23 @@ Qt::CursorShape cursorForEdges(bool left, bool right, bool bottom)
     if (left || right)
         return Qt::SizeHorCursor;
     return Qt::ArrowCursor;
+}
+
+// The text as a literal of JavaScript. JSON differs from that in two line ends only.
+QString scriptLiteral(const QString& text)
+{
+    QString list =
+        QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact));
+    list.replace(QChar(0x2028), QLatin1String("\\u2028"));
+    list.replace(QChar(0x2029), QLatin1String("\\u2029"));
+    return list.mid(1, list.size() - 2);
+}
+
+// The one local file that is dragged; empty for anything else.
+QString draggedFile(const QMimeData& data)
+{
+    const QList<QUrl> urls = data.urls();
+    return urls.size() == 1 && urls.first().isLocalFile() ? urls.first().toLocalFile() : QString();
 }
 } // namespace
 
@@ -137,8 +161,10 @@ void webWidget::preparePage()
     view->setAttribute(Qt::WA_OpaquePaintEvent, false);
     setAttribute(Qt::WA_TranslucentBackground, true);
 
-    // A dropped file would replace the page by its own text.
+    // The view would show a dropped file in place of the page, and would not tell the page where it
+    // lies. So drops are the window's.
     view->setAcceptDrops(false);
+    setAcceptDrops(true);
 }
 
 QWebView* webWidget::releaseWebView()
@@ -241,6 +267,35 @@ void webWidget::mouseMoveEvent(QMouseEvent* event)
         dragEdges(position);
     else
         findEdges(position);
+}
+
+// Whatever is dragged is let in, so that the page can say why it does not take it.
+void webWidget::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!view || !view->page()
+                      ->mainFrame()
+                      ->evaluateJavaScript(QStringLiteral("typeof fileDropped === 'function'"))
+                      .toBool())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void webWidget::dropEvent(QDropEvent* event)
+{
+    const QString path = draggedFile(*event->mimeData());
+    event->setDropAction(path.isEmpty() ? Qt::IgnoreAction : Qt::CopyAction);
+    event->accept();
+    // Not from here: the page may take its time, for which the other program would wait, and it may
+    // end this window.
+    QTimer::singleShot(0, this, [this, path] { nameDroppedFile(path); });
+}
+
+void webWidget::nameDroppedFile(const QString& path)
+{
+    if (view)
+        view->page()->mainFrame()->evaluateJavaScript(
+            QStringLiteral("fileDropped(%1);").arg(scriptLiteral(path)));
 }
 
 // There is no top edge: the title row moves the window instead.

@@ -14,7 +14,8 @@ class QWebView;
 
 // A title row (drag handle, image buttons), a web view and a bottom grip over a rounded gradient.
 // It moves by its title row and is resized at its left, right and bottom edges and by the grip. The
-// page reaches the window itself as "QuilLet" once a load has finished. GUI thread only.
+// page reaches the window itself as "QuilLet" once a load has finished. Files dropped anywhere on
+// it are named to the page, if that defines the function fileDropped(path); GUI thread only.
 //
 // Options are words found anywhere in the option string, whatever their order:
 //   shadow       a drop shadow on the right and at the bottom
@@ -40,6 +41,10 @@ public:
     // cannot.
     QWebView* releaseWebView();
 
+    // Names a file to the page as one that was dropped; an empty path stands for what was dropped
+    // and is no file.
+    void nameDroppedFile(const QString& path);
+
 signals:
     void closed();
     void infoRequested();
@@ -60,6 +65,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     QHBoxLayout* buildTitleRow();

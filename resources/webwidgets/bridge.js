@@ -30,6 +30,11 @@ Vexa.bridge = (function () {
         return Vexa.rules.readSetCifAnswer(window.Quillet.setCif(''));
     }
 
+    // Takes the file at a path, which may need as long as copying it does.
+    function takeCif(path) {
+        return Vexa.rules.readSetCifAnswer(window.Quillet.setCif(path));
+    }
+
     // Returns at once; the program answers through pdbResponse, perhaps never.
     function fetchCif(code) {
         window.Quillet.getPdbCif(code);
@@ -57,6 +62,7 @@ Vexa.bridge = (function () {
     return {
         whenConnected: whenConnected,
         chooseCif: chooseCif,
+        takeCif: takeCif,
         fetchCif: fetchCif,
         saveCif: saveCif,
         makeManuscript: makeManuscript,

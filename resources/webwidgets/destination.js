@@ -18,11 +18,24 @@ Vexa.destination = (function () {
         })[0] || null;
     }
 
-    function fillJournals() {
+    // The heading is an option of its own: the engine indents what is in an <optgroup>, and then its
+    // list finds nothing any more by the letters that are typed.
+    function addJournals(heading, isMember) {
         var select = view.element('journal');
-        addOption(select, '', 'Choose a journal…');
-        VexaJournals.forEach(function (journal) {
+        addOption(select, '', '— ' + heading + ' —');
+        select.lastChild.disabled = true;
+        VexaJournals.filter(isMember).forEach(function (journal) {
             addOption(select, journal.name, journal.name + ' – ' + journal.about);
+        });
+    }
+
+    function fillJournals() {
+        addOption(view.element('journal'), '', 'Choose a journal…');
+        addJournals('From your CIF, or a template', function (journal) {
+            return journal.generates !== 'nothing';
+        });
+        addJournals('Ready-made template only', function (journal) {
+            return journal.generates === 'nothing';
         });
     }
 
@@ -36,6 +49,36 @@ Vexa.destination = (function () {
         state.journal.categories.forEach(function (category) {
             addOption(select, category.name, category.label);
         });
+    }
+
+    // What was chosen last time, as far as it is still offered.
+    function restore() {
+        var last = Vexa.memory.get('destination');
+        if (last && named(VexaJournals, last.journal)) {
+            view.element('journal').value = last.journal;
+            view.element('sas').checked = last.scattering === true;
+            journalChosen();
+            if (named(state.journal.categories, last.category)) {
+                view.element('category').value = last.category;
+                categoryChosen();
+            }
+        }
+    }
+
+    // What the user has chosen, not what a structure suggests.
+    function remember() {
+        Vexa.memory.set('destination', {
+            journal: state.journal ? state.journal.name : '',
+            category: state.category ? state.category.name : '',
+            scattering: state.scattering
+        });
+    }
+
+    function remembering(action) {
+        return function () {
+            action();
+            remember();
+        };
     }
 
     function journalChosen() {
@@ -77,10 +120,10 @@ Vexa.destination = (function () {
         state = sharedState;
         fillJournals();
         fillCategories();
-        view.element('journal').addEventListener('change', journalChosen, false);
-        view.element('category').addEventListener('change', categoryChosen, false);
-        view.element('sas').addEventListener('change', scatteringChosen, false);
+        view.element('journal').addEventListener('change', remembering(journalChosen), false);
+        view.element('category').addEventListener('change', remembering(categoryChosen), false);
+        view.element('sas').addEventListener('change', remembering(scatteringChosen), false);
     }
 
-    return {start: start, render: render, suggestScattering: suggestScattering};
+    return {start: start, restore: restore, render: render, suggestScattering: suggestScattering};
 }());

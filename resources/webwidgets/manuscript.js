@@ -20,10 +20,14 @@ Vexa.manuscript = (function () {
         madeWith = choices();
     }
 
+    var marks = 12; // places of the mark that shows that there is life
+
+    // The page gets control about once a second only, too seldom for an animation.
     function showSeconds(seconds) {
-        view.setText('making-text', 'quillet is reading ' + state.structure.name + '. ' +
+        view.setText('making-text', 'quillet is reading ' + rules.shortName(state.structure.name) + '. ' +
             (seconds > 1 ? seconds + ' s so far; ' : '') +
             'a large structure can take up to three minutes.');
+        view.element('making-mark').style.left = (seconds % marks) * 100 / marks + '%';
     }
 
     // The call below lasts as long as quillet runs; meanwhile the program lets the page's timers
@@ -54,7 +58,7 @@ Vexa.manuscript = (function () {
     }
 
     function result() {
-        return 'Opens in the word processor, made from ' + state.structure.name + '.';
+        return 'Opens in the word processor, made from ' + rules.shortName(state.structure.name) + '.';
     }
 
     function renderHint() {

@@ -51,6 +51,26 @@ Vexa.rules = (function () {
             name.substring(0, most - 13) + '…' + name.substring(name.length - 12);
     }
 
+    // As many characters as may stand before a CIF's first data block.
+    var enoughToKnowACif = 300000;
+
+    // Whether a file that begins with text may be a CIF.
+    function looksLikeCif(text) {
+        return /(^|[\s\ufeff])data_\S/i.test(text) && !/\u0000/.test(text.substring(0, 1000));
+    }
+
+    // What a structure is: "small-molecule", "macromolecule", "scattering", or "" if that is not known.
+    function kindOf(structure) {
+        var kind = structure.summary ? structure.summary.kind : '';
+        if (structure.scattering) {
+            return 'scattering';
+        }
+        if (structure.macromolecular) {
+            return 'macromolecule';
+        }
+        return kind === 'other' ? '' : kind;
+    }
+
     // In each of the following, state is Vexa.state (start.js). An empty answer means: go ahead.
 
     // Why nothing that changes the CIF or uses it can be done at this moment.
@@ -112,14 +132,22 @@ Vexa.rules = (function () {
         if (makeProblem(state)) {
             return '';
         }
-        if (state.journal.generates === 'macromolecule' && !state.structure.macromolecular) {
-            return state.journal.name + ' expects a macromolecular CIF (mmCIF); this one is not.';
+        return kindDoubt(state.journal, kindOf(state.structure), state.scattering);
+    }
+
+    function kindDoubt(journal, kind, sasChosen) {
+        if (journal.generates === 'small-molecule' && (kind === 'macromolecule' || kind === 'scattering')) {
+            return journal.name + ' expects a small-molecule CIF; this one is ' +
+                (kind === 'scattering' ? 'of scattering.' : 'macromolecular.');
         }
-        if (state.journal.generates === 'small-molecule' && state.structure.macromolecular) {
-            return state.journal.name + ' expects a small-molecule CIF; this one is macromolecular.';
+        if (journal.generates === 'macromolecule' && kind !== 'macromolecule' && kind !== 'scattering') {
+            return journal.name + ' expects a macromolecular CIF (mmCIF); this one is not.';
         }
-        if (state.structure.scattering && !state.scattering) {
+        if (kind === 'scattering' && !sasChosen) {
             return 'This is a scattering entry, but no SAS article is chosen.';
+        }
+        if (kind === 'macromolecule' && sasChosen) {
+            return 'A SAS article is chosen; this CIF does not look like one of scattering.';
         }
         return '';
     }
@@ -130,6 +158,8 @@ Vexa.rules = (function () {
         fileName: fileName,
         folderName: folderName,
         shortName: shortName,
+        enoughToKnowACif: enoughToKnowACif,
+        looksLikeCif: looksLikeCif,
         busyProblem: busyProblem,
         fileProblem: fileProblem,
         saveProblem: saveProblem,

@@ -1,9 +1,25 @@
-// The report of the program's set-up: one line in plain words, the details on request.
+// The report of the program's set-up. Where all is well it is in sight only for those who ask;
+// a failure is told in plain words, with the details on request.
 Vexa.setupReport = (function () {
     'use strict';
 
     var view = Vexa.view;
     var lines = [];
+
+    function hasFailed() {
+        return lines.some(function (line) {
+            return line.indexOf('ERROR') === 0;
+        });
+    }
+
+    // What a failure means for the user.
+    function summary() {
+        var templates = lines.some(function (line) {
+            return /^ERROR.*resources folder/.test(line);
+        });
+        return templates ? 'The folder for your templates could not be made.' :
+            'Set-up could not be completed.';
+    }
 
     // The report is lines of plain text joined by <br />. It is shown as text: a folder's name may
     // hold characters that mean something in HTML.
@@ -11,18 +27,17 @@ Vexa.setupReport = (function () {
         lines = report.split(/<br\s*\/?>/).filter(function (line) {
             return line !== '';
         });
-        var failed = lines.some(function (line) {
-            return line.indexOf('ERROR') === 0;
-        });
-        view.setText('setup-summary', failed ?
-            'Set-up could not be completed.' :
-            'Vexa Word has been set up for you.');
-        view.element('setup-strip').setAttribute('data-kind', failed ? 'error' : 'good');
-        view.show('setup-strip', lines.length > 0);
+        view.setText('setup-summary', summary());
+        view.show('setup-strip', hasFailed());
     }
 
-    function showDetails() {
-        Vexa.dialog.open({title: 'Set-up', lines: lines, accept: 'Close'});
+    function advice() {
+        return hasFailed() ? ['Vexa Word works without what failed as far as it can. Is the home folder ' +
+            'full or write-protected? The next start tries again.'] : [];
+    }
+
+    function open() {
+        Vexa.dialog.open({title: 'Set-up report', lines: advice().concat(lines), accept: 'Close'});
     }
 
     function hide() {
@@ -30,12 +45,16 @@ Vexa.setupReport = (function () {
         view.element('choose-cif').focus();
     }
 
+    function isKnown() {
+        return lines.length > 0;
+    }
+
     function start() {
-        view.onClick('setup-details', showDetails);
+        view.onClick('setup-details', open);
         view.onClick('setup-dismiss', hide);
     }
 
-    return {start: start, show: show};
+    return {start: start, show: show, open: open, isKnown: isKnown};
 }());
 
 // Called by the program by this name.

@@ -1,7 +1,9 @@
 // The state that the steps share, and the start.
 Vexa.state = {
     connected: false,   // the program is there
-    structure: null,    // {path, name, macromolecular, scattering, fileIsKnown}; path "" if fetched
+    // {path, name, macromolecular, scattering, fileIsKnown, summary}: path is "" if it was fetched,
+    // summary undefined while the working copy is still looked at, and null if it cannot be
+    structure: null,
     waitingFor: null,   // {code, scattering} of the fetch that the user waits for
     journal: null,      // of VexaJournals
     category: null,     // of the journal
@@ -13,6 +15,7 @@ Vexa.state = {
 Vexa.render = function () {
     'use strict';
     Vexa.structure.render();
+    Vexa.retrieval.render();
     Vexa.destination.render();
     Vexa.manuscript.render();
     Vexa.view.element('quit').disabled = !Vexa.state.connected;
@@ -29,6 +32,7 @@ Vexa.render = function () {
         if (document.activeElement === document.body) {
             Vexa.view.element('choose-cif').focus();
         }
+        Vexa.structure.connected();
     }
 
     function missing() {
@@ -45,9 +49,14 @@ Vexa.render = function () {
 
     Vexa.dialog.start();
     Vexa.structure.start(state);
+    Vexa.retrieval.start(state);
+    Vexa.card.start();
     Vexa.destination.start(state);
     Vexa.manuscript.start(state);
     Vexa.setupReport.start();
+    Vexa.help.start();
+    Vexa.textSize.start();
+    Vexa.destination.restore();
     Vexa.view.onClick('quit', Vexa.bridge.quit);
     document.addEventListener('contextmenu', refuseMenu, false);
     Vexa.render();

@@ -1,4 +1,4 @@
-// Step 1: choosing, fetching and writing back the CIF.
+// Step 1: taking a CIF from the disk, and writing it back.
 Vexa.structure = (function () {
     'use strict';
 
@@ -7,131 +7,108 @@ Vexa.structure = (function () {
     var bridge = Vexa.bridge;
     var state = null;
 
-    // Outcome of the last action, shown until the next: {kind, text}.
-    var message = null;
+    // Outcome of the last action, shown until the next: {kind, text}. No text: nothing to say.
+    var message = {kind: 'note', text: ''};
 
-    // Fetches whose answers are still to come. An answer does not say which fetch it belongs to, so
-    // as long as several are under way each of their codes may be the one.
-    var awaited = {codes: [], count: 0};
-    var seconds = 0;
-    var clock = null;
+    // A file that was handed over before the program was there.
+    var early = null;
 
     function say(kind, text) {
         message = {kind: kind, text: text};
     }
 
-    function choose() {
-        var answer = bridge.chooseCif();
+    // Makes a structure the current one: {path, name, macromolecular, scattering, fileIsKnown}. Its
+    // summary follows: null if the working copy cannot be looked at.
+    function take(structure) {
+        say('note', '');
+        state.structure = structure;
+        Vexa.workingCopy.look(function (summary) {
+            if (structure === state.structure) {
+                structure.summary = summary;
+                noticeScattering(structure);
+                Vexa.render();
+            }
+        });
+        noticeScattering(structure);
+    }
+
+    function noticeScattering(structure) {
+        if (structure.summary && structure.summary.kind === 'scattering') {
+            structure.scattering = true;
+        }
+        if (structure.scattering) {
+            Vexa.destination.suggestScattering();
+        }
+    }
+
+    // What setCif has answered to a choice; problem: what to say when it took nothing.
+    function takeAnswer(answer, problem) {
         if (answer) {
-            message = null;
-            state.structure = {
+            take({
                 path: answer.path,
-                name: rules.shortName(rules.fileName(answer.path)),
+                name: rules.fileName(answer.path),
                 macromolecular: answer.macromolecular,
                 scattering: false,
                 fileIsKnown: true
-            };
+            });
+            Vexa.recent.add(answer.path);
         } else {
             if (state.structure) {
                 // The program has let go of the file's path, or holds that of an unreadable one.
                 state.structure.fileIsKnown = false;
             }
-            say('note', state.structure ?
-                'No other CIF taken. ' + rules.fileProblem(state.structure) :
-                'No CIF was taken: the dialog was closed, or the file cannot be read.');
+            say(problem.kind, problem.text + (state.structure ? ' ' + rules.fileProblem(state.structure) : ''));
         }
         Vexa.render();
     }
 
-    function fetchTyped(event) {
-        var identifier = rules.readIdentifier(view.element('identifier').value);
-        event.preventDefault();
-        if (rules.busyProblem(state)) {
-            return;
+    function choose() {
+        takeAnswer(bridge.chooseCif(), {kind: 'note', text: state.structure ? 'No other CIF taken.' :
+            'No CIF was taken: the dialog was closed, or the file cannot be read.'});
+    }
+
+    function takeRecent(path) {
+        var answer = bridge.takeCif(path);
+        if (!answer) {
+            Vexa.recent.remove(path);
         }
-        if (identifier.problem) {
-            say('doubt', identifier.problem);
-            Vexa.render();
-            view.element('identifier').focus();
-            return;
-        }
-        message = null;
-        awaited.codes.push(identifier.code);
-        awaited.count += 1;
-        state.waitingFor = identifier;
-        seconds = 0;
-        clock = setInterval(tick, 1000);
+        takeAnswer(answer, {kind: 'error',
+            text: rules.fileName(path) + ' cannot be read any more; it is off the list now.'});
+    }
+
+    function refuse(text) {
+        say('doubt', text);
         Vexa.render();
-        view.element('stop-waiting').focus();
-        bridge.fetchCif(identifier.code);
     }
 
-    function tick() {
-        seconds += 1;
-        renderWaiting();
-    }
-
-    // The program cannot take a request back, so this ends the waiting only.
-    function stopWaiting() {
-        var code = state.waitingFor.code;
-        endWaiting();
-        say('note', 'No longer waiting for ' + code +
-            '. Should it still arrive, it becomes the current CIF.');
-        Vexa.render();
-        view.element('identifier').focus();
-    }
-
-    function endWaiting() {
-        clearInterval(clock);
-        clock = null;
-        state.waitingFor = null;
-    }
-
-    // Takes one answer off the list and tells which codes it may belong to.
-    function answeredCodes() {
-        var codes = awaited.codes;
-        awaited.count = Math.max(0, awaited.count - 1);
-        if (awaited.count === 0) {
-            awaited.codes = [];
-        }
-        return codes;
-    }
-
-    // Called by the program, once for each fetch that ends.
-    function onAnswer(answer) {
-        var waitedFor = state.waitingFor;
-        var codes = answeredCodes();
-        endWaiting();
-        if (answer === 'OK') {
-            takeFetched(codes);
-            message = null;
-            if (!waitedFor) {
-                say('note', state.structure.name +
-                    ' has arrived after all and is now the current CIF.');
+    // A file that was dropped on the window, or that the program was given at its start.
+    function takeDropped(path) {
+        var name = rules.shortName(rules.fileName(path));
+        if (!state.connected) {
+            early = path;
+        } else if (state.waitingFor) {
+            refuse('Not taken: still waiting for ' + state.waitingFor.code + '.');
+        } else if (!rules.busyProblem(state) && !Vexa.dialog.isOpen()) {
+            if (path === '') {
+                refuse('Only a CIF can be dropped here, one at a time.');
+                return;
             }
-        } else if (waitedFor) {
-            say('error', 'No usable CIF came back for ' + waitedFor.code +
-                '. Is the code right, and the computer online?');
-        }
-        Vexa.render();
-        if (waitedFor && !Vexa.dialog.isOpen()) {
-            view.element(answer === 'OK' ? 'journal' : 'identifier').focus();
+            Vexa.fileText.read(Vexa.fileText.urlOf(path), rules.enoughToKnowACif, function (text) {
+                if (rules.looksLikeCif(text)) {
+                    takeChecked(path, name);
+                } else {
+                    refuse(name + ' is not a CIF: there is no data block in it.');
+                }
+            }, function () {
+                refuse(name + ' cannot be read: only a CIF can be taken.');
+            });
         }
     }
 
-    function takeFetched(codes) {
-        state.structure = {
-            path: '',
-            name: codes.join(' or ') || 'Fetched entry',
-            macromolecular: true, // nothing else is accepted by the program
-            scattering: codes.length > 0 && codes.every(function (code) {
-                return Boolean(rules.readIdentifier(code).scattering);
-            }),
-            fileIsKnown: false
-        };
-        view.element('identifier').value = '';
-        if (state.structure.scattering) {
-            Vexa.destination.suggestScattering();
+    // Something else may have begun while the file was looked at.
+    function takeChecked(path, name) {
+        if (!rules.busyProblem(state) && !Vexa.dialog.isOpen()) {
+            takeAnswer(bridge.takeCif(path), {kind: 'error', text: name + ' cannot be read.'});
         }
     }
 
@@ -151,94 +128,64 @@ Vexa.structure = (function () {
     }
 
     function save(structure) {
+        var name = rules.shortName(structure.name);
         if (structure !== state.structure) {
             // A late answer of a fetch has come while the question stood.
             say('note', 'Nothing was written back: ' + state.structure.name +
                 ' has arrived and is now the current CIF.');
         } else if (bridge.saveCif()) {
-            say('good', 'Written back to ' + structure.name + '.');
+            say('good', 'Written back to ' + name + '.');
         } else {
-            say('error', structure.name + ' could not be written. ' +
+            say('error', name + ' could not be written. ' +
                 'Is the file or its folder write-protected, or the disk full?');
         }
         Vexa.render();
     }
 
-    // The page of this web engine learns a dropped file's name but not where it is.
-    function refuseDrop(event) {
-        event.preventDefault();
-        if (event.type === 'drop' && !rules.busyProblem(state)) {
-            say('note', 'Files cannot be dropped here: use “Choose CIF…”.');
-            Vexa.render();
-        }
-    }
-
-    function factsOf(structure) {
-        var kind = 'Small-molecule or other CIF';
-        if (structure.scattering) {
-            kind = 'Small-angle scattering CIF';
-        } else if (structure.macromolecular) {
-            kind = 'Macromolecular CIF';
-        }
-        return kind + ', ' + (structure.path ? 'in ' + rules.folderName(structure.path) : 'fetched');
-    }
-
-    function renderWaiting() {
-        var waiting = state.waitingFor;
-        view.show('fetch-progress', Boolean(waiting));
-        if (waiting) {
-            view.setText('fetch-text', 'Fetching ' + waiting.code + '…' +
-                (seconds > 1 ? ' ' + seconds + ' s' : '') +
-                (seconds >= 30 ? ' – no answer yet' : ''));
-        }
-    }
-
     function renderHint() {
-        if (state.waitingFor) {
+        if (state.waitingFor && message.kind === 'note') {
             view.hint('structure-hint', 'note', '');
-        } else if (message) {
+        } else if (message.text) {
             view.hint('structure-hint', message.kind, message.text);
         } else {
             view.hint('structure-hint', 'note', state.structure ?
                 rules.fileProblem(state.structure) :
-                'From your disk, or from the data banks.');
+                'A file of yours – drop it here if you like – or an entry of the data banks.');
         }
     }
 
     function render() {
-        var structure = state.structure;
         var busy = rules.busyProblem(state);
         view.allow('choose-cif', busy);
-        view.allow('fetch-cif', busy);
-        view.element('identifier').disabled = busy !== '';
-        view.allow('stop-waiting', state.making ? busy : '');
         view.allow('save-cif', rules.saveProblem(state));
-        view.show('structure-card', Boolean(structure));
-        if (structure) {
-            view.setText('structure-name', structure.name);
-            view.setText('structure-facts', factsOf(structure));
-            view.element('structure-facts').title = structure.path;
-        }
-        renderWaiting();
+        Vexa.recent.render(busy);
+        Vexa.card.render(state.structure);
         renderHint();
-        view.stepState('step-structure', structure ? 'done' : 'now');
+        view.stepState('step-structure', state.structure ? 'done' : 'now');
+    }
+
+    // Once the program is there.
+    function connected() {
+        var path = early;
+        early = null;
+        if (path !== null) {
+            takeDropped(path);
+        }
     }
 
     function start(sharedState) {
         state = sharedState;
         view.onClick('choose-cif', choose);
-        view.element('structure-form').addEventListener('submit', fetchTyped, false);
-        view.onClick('stop-waiting', stopWaiting);
         view.onClick('save-cif', askToSave);
-        document.addEventListener('dragover', refuseDrop, false);
-        document.addEventListener('drop', refuseDrop, false);
+        Vexa.recent.start(takeRecent);
     }
 
-    return {start: start, render: render, onAnswer: onAnswer};
+    return {start: start, connected: connected, render: render, take: take, say: say,
+        choose: choose, takeDropped: takeDropped};
 }());
 
-// Called by the program by this name.
-function pdbResponse(message) {
+// Called by the window by this name: a path, or an empty text for anything but one local file.
+function fileDropped(path) {
     'use strict';
-    Vexa.structure.onAnswer(message);
+    Vexa.structure.takeDropped(path);
 }

@@ -6,6 +6,14 @@ Vexa.view = (function () {
         return document.getElementById(id);
     }
 
+    // A new element with a text, of a class; both may be left out.
+    function make(tag, className, text) {
+        var made = document.createElement(tag);
+        made.className = className || '';
+        made.textContent = text || '';
+        return made;
+    }
+
     function setText(id, text) {
         element(id).textContent = text;
     }
@@ -21,12 +29,16 @@ Vexa.view = (function () {
     }
 
     // A line of help below the controls. Kind: "note", "good", "doubt" or "error"; the kind only
-    // adds a sign to what the text already says.
+    // adds a sign to what the text already says. What is new and matters comes into sight.
     function hint(id, kind, text) {
         var line = element(id);
+        var isNew = line.textContent !== text && (kind === 'error' || kind === 'doubt');
         line.hidden = text === '';
         line.setAttribute('data-kind', kind);
         line.textContent = text;
+        if (isNew) {
+            line.scrollIntoViewIfNeeded(false);
+        }
     }
 
     // Progress of a step: "now" (to be done), "done" or "later".
@@ -40,6 +52,7 @@ Vexa.view = (function () {
 
     return {
         element: element,
+        make: make,
         setText: setText,
         show: show,
         allow: allow,

@@ -6,8 +6,10 @@
 #include "tests/support/webpages.h"
 #include "widgets/webwidget.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
+#include <QFileOpenEvent>
 #include <QMetaMethod>
 #include <QPointer>
 #include <QSignalSpy>
@@ -74,6 +76,10 @@ private slots:
 
     void firstStart();
     void secondStart();
+    void thePageRemembers();
+    void screenReadersLearnWhatTheWindowIs();
+    void aFileToBeginWithIsGivenToThePageOnce();
+    void aFileThatTheFinderOpensIsGivenToThePage();
     void incompleteCopyFallsBackToTheProgramsResources();
     void nothingAnywhereStillStarts();
     void setupAppletRunsWithoutItsMarker();
@@ -211,6 +217,73 @@ void tst_Application::secondStart()
     Application second;
     QCOMPARE(second.setupInfo, QString());
     QCOMPARE(second.resourcesPath, sandbox->local());
+}
+
+void tst_Application::thePageRemembers()
+{
+    {
+        Application first;
+        QVERIFY(waitForPage(first));
+        QCOMPARE(evaluate(first, "document.cookie").toString(), QString());
+        evaluate(first, "document.cookie = 'choice=d; max-age=100000'; Quillet.quit();");
+        QVERIFY(runToTheEnd());
+    }
+    Application second;
+    QVERIFY(waitForPage(second));
+    QCOMPARE(evaluate(second, "document.cookie").toString(), QStringLiteral("choice=d"));
+    // Beside the resources, whose next version it must outlive.
+    QVERIFY(sandbox::readFile(sandbox->inHome("Library/Application Support/VexaWord/page.cookies"))
+                .contains("choice=d"));
+}
+
+void tst_Application::screenReadersLearnWhatTheWindowIs()
+{
+    Application application;
+    const QWidget* widgets[] = {application.mainWindow, application.mainWindow->webView()};
+    for (const QWidget* widget : widgets) {
+        QAccessibleInterface* interface =
+            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+        QVERIFY(interface);
+        QVERIFY(!interface->text(QAccessible::Name).isEmpty());
+        QVERIFY(!interface->text(QAccessible::Description).isEmpty());
+    }
+}
+
+void tst_Application::aFileToBeginWithIsGivenToThePageOnce()
+{
+    sandbox->setPage(QStringLiteral("<script>var dropped = []; "
+                                    "function fileDropped(path) { dropped.push(path); }</script>"));
+    Application application;
+    application.openFile(QStringLiteral("/tmp/an \"odd\" \\ näme.cif"));
+    QVERIFY(waitForPage(application));
+    QTRY_COMPARE(evaluate(application, QStringLiteral("dropped.join('|')")).toString(),
+                 QStringLiteral("/tmp/an \"odd\" \\ näme.cif"));
+
+    QSignalSpy loaded(application.mainWindow->webView()->page(), SIGNAL(loadFinished(bool)));
+    evaluate(application, QStringLiteral("location.reload()"));
+    QVERIFY(loaded.wait());
+    QCOMPARE(evaluate(application, QStringLiteral("dropped.length")).toInt(), 0);
+
+    application.openFile(QString());
+    QCOMPARE(evaluate(application, QStringLiteral("dropped.length")).toInt(), 0);
+    application.quit();
+    application.openFile(QStringLiteral("/tmp/late.cif"));
+}
+
+void tst_Application::aFileThatTheFinderOpensIsGivenToThePage()
+{
+    sandbox->setPage(QStringLiteral("<script>var dropped = []; "
+                                    "function fileDropped(path) { dropped.push(path); }</script>"));
+    Application application;
+    QFileOpenEvent early(QStringLiteral("/tmp/early.cif"));
+    QCoreApplication::sendEvent(qApp, &early);
+    QVERIFY(waitForPage(application));
+    QTRY_COMPARE(evaluate(application, QStringLiteral("dropped.join('|')")).toString(),
+                 QStringLiteral("/tmp/early.cif"));
+    QFileOpenEvent later(QStringLiteral("/tmp/later.cif"));
+    QCoreApplication::sendEvent(qApp, &later);
+    QCOMPARE(evaluate(application, QStringLiteral("dropped.join('|')")).toString(),
+             QStringLiteral("/tmp/early.cif|/tmp/later.cif"));
 }
 
 void tst_Application::incompleteCopyFallsBackToTheProgramsResources()

@@ -4,9 +4,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRect>
 #include <QTest>
 #include <QUrl>
@@ -29,11 +26,12 @@ private slots:
     void thePageIsChosenByTheProgramsName();
     void closingTheWindowEndsIt();
     void theShippedPageConnects();
+    void aCifGivenAtStartIsTaken_data();
+    void aCifGivenAtStartIsTaken();
     void aManuscriptByCalls();
     void aManuscriptInAnAccentedHome();
     void aReadyMadeTemplate();
     void aFetchedManuscript();
-    void theUsersOwnClicks();
 };
 
 void tst_Program::firstAndSecondStart()
@@ -142,6 +140,48 @@ void tst_Program::theShippedPageConnects()
     QVERIFY(run.reports().contains("false"));
 }
 
+void tst_Program::aCifGivenAtStartIsTaken_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("isTaken");
+    const QStringList none;
+    QTest::newRow("path") << QStringList{"HOME/my 100% \"odd\" näme#1.cif"} << true;
+    QTest::newRow("path in the working folder")
+        << QStringList{"my 100% \"odd\" näme#1.cif"} << true;
+    QTest::newRow("URL") << QStringList{"file://HOME/my%20100%25%20%22odd%22%20n%C3%A4me%231.cif"}
+                         << true;
+    QTest::newRow("after what looks like an option")
+        << QStringList{"--compat", "my 100% \"odd\" näme#1.cif"} << true;
+    QTest::newRow("two: the first")
+        << QStringList{"my 100% \"odd\" näme#1.cif", "other.cif"} << true;
+    QTest::newRow("none") << none << false;
+    QTest::newRow("empty") << QStringList{""} << false;
+    QTest::newRow("options only") << QStringList{"--sas", "-x"} << false;
+}
+
+void tst_Program::aCifGivenAtStartIsTaken()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, isTaken);
+    ProgramRun run;
+    const QString cif = run.inHome("my 100% \"odd\" näme#1.cif");
+    QVERIFY(sandbox::writeFile(cif, mmCif));
+    QVERIFY(sandbox::writeFile(run.inHome("other.cif"), "data_other\n_cell_length_a 5\n"));
+    // The page shows what it has taken, or that it waits for the user.
+    run.addToShippedPages(QStringLiteral(
+        "var turns = 0; var poll = setInterval(function () { var structure = Vexa.state.structure;"
+        " if (!Vexa.state.connected || (!structure && ++turns < 20)) return;"
+        " clearInterval(poll);"
+        " report(location.href.split('/').pop()); report(structure ? structure.path : 'nothing');"
+        " afterReports(Quillet.quit); }, 50);"));
+    run.program.setWorkingDirectory(run.home());
+    QVERIFY(run.start(arguments.replaceInStrings(QStringLiteral("HOME"), run.home())));
+    QCOMPARE(run.exitCode(), 0);
+    QCOMPARE(run.reports().value(0), QStringLiteral("templates.html"));
+    QCOMPARE(run.reports().value(1), isTaken ? cif : QStringLiteral("nothing"));
+    QCOMPARE(sandbox::readFile(run.local("tmpcif.cif")), isTaken ? mmCif : QByteArray());
+}
+
 void tst_Program::aManuscriptByCalls()
 {
     ProgramRun run;
@@ -234,83 +274,6 @@ void tst_Program::aFetchedManuscript()
     QCOMPARE(run.reports(), QStringList({QStringLiteral("OK")}));
     QCOMPARE(sandbox::readFile(run.local("tmpcif.cif")), mmCif);
     QCOMPARE(run.quilletCalls().size(), 1);
-}
-
-// The shipped page and Qt's file dialog, worked with nothing but keys and clicks. A script beside
-// the page's own only tells where its controls are.
-void tst_Program::theUsersOwnClicks()
-{
-    ProgramRun run;
-    run.setQuillet(QStringLiteral("printf '<p>x</p>'"));
-    run.setOsascript(QString());
-    run.addToShippedPages(QStringLiteral(
-        "var origin = null; document.addEventListener('mousemove', function (event) {"
-        " origin = [event.screenX - event.clientX, event.screenY - event.clientY]; });"
-        "setInterval(function () { if (!Vexa.state.connected || !origin) return; var places = {};"
-        " ['choose-cif', 'journal', 'category', 'make-manuscript'].forEach(function (id) {"
-        "  var control = document.getElementById(id), box = control.getBoundingClientRect();"
-        "  places[id] = [origin[0] + box.left + box.width / 2, origin[1] + box.top + box.height / "
-        "2,"
-        "   control.disabled, control.value]; });"
-        " report(JSON.stringify(places)); }, 200);"));
-    const QString cif = run.inHome("one.cif");
-    QVERIFY(sandbox::writeFile(cif, "data_I\n_cell_length_a 5\n"));
-    QVERIFY(run.start());
-    const int window = run.waitForWindow();
-    QVERIFY(window);
-    // The page learns from a move where on the screen it is, as soon as it listens.
-    const QPoint middle = run.windowFrame(window).center();
-    int moves = 0;
-    QVERIFY(QTest::qWaitFor(
-        [&] {
-            return realinput::moveTo(middle + QPoint(++moves % 2, 0)) && !run.reports().isEmpty();
-        },
-        20000));
-    const auto control = [&](const char* id) {
-        return QJsonDocument::fromJson(run.reports().constLast().toUtf8())
-            .object()
-            .value(QLatin1String(id))
-            .toArray();
-    };
-    // Clicks a control as soon as it can be used, at the place it has by a report made from now on.
-    const auto click = [&](const char* id) {
-        const int old = run.reports().size() + 1;
-        const auto ready = [&] {
-            return run.reports().size() > old && !control(id).at(2).toBool(true);
-        };
-        if (!QTest::qWaitFor(ready, 20000))
-            return false;
-        const QJsonArray place = control(id);
-        return realinput::click(QPointF(place.at(0).toDouble(), place.at(1).toDouble()).toPoint());
-    };
-    const auto activate = [](const char* title) {
-        return realinput::run({"search", "--sync", "--onlyvisible", "--name", QLatin1String(title),
-                               "windowactivate", "--sync"});
-    };
-
-    QVERIFY(click("choose-cif"));
-    QVERIFY(activate("^Quillet$"));
-    QVERIFY(realinput::run({"type", "--delay", "10", cif}));
-    QVERIFY(realinput::key("Return"));
-    QTRY_VERIFY(QFile::exists(run.local("tmpcif.cif")));
-    QVERIFY(activate("^Vexa Word$"));
-    QVERIFY(click("journal"));
-    QVERIFY(realinput::run({"type", "--delay", "20", "Journal Section C"}));
-    QVERIFY(realinput::key("Return"));
-    QTRY_COMPARE(control("journal").at(3).toString(), QStringLiteral("Journal Section C"));
-    QVERIFY(click("category"));
-    QVERIFY(realinput::run({"type", "--delay", "20", "Research"}));
-    QVERIFY(realinput::key("Return"));
-    QTRY_COMPARE(control("category").at(3).toString(), QStringLiteral("research papers"));
-    QVERIFY(click("make-manuscript"));
-
-    QCOMPARE(run.exitCode(), 0);
-    QVERIFY(run.waitForOsascript());
-    QCOMPARE(run.quilletCalls().size(), 1);
-    QCOMPARE(
-        sandbox::readFile(run.local("publauthors/macstart.xml")),
-        xmlOpening +
-            "Journal Section C</jnlname><jnlcategory>research papers</jnlcategory></vexa:publjnl>");
 }
 
 QTEST_MAIN(tst_Program)

@@ -1,11 +1,18 @@
 #include "pagewindow.h"
 
-#include <QDir>
+#include "app/pagememory.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QLabel>
 #include <QLinearGradient>
+#include <QNetworkAccessManager>
 #include <QNetworkRequest>
 #include <QPainter>
+#include <QProcess>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtTest>
 #include <QVBoxLayout>
 #include <QWebElement>
@@ -72,6 +79,32 @@ bool WatchedPage::acceptNavigationRequest(QWebFrame* frame, const QNetworkReques
     return QWebPage::acceptNavigationRequest(frame, request, type);
 }
 
+namespace
+{
+// A copy of the resources for this process: beside the page lies the working copy.
+QString resourcesCopy()
+{
+    static const QTemporaryDir folder;
+    static const int copied = QProcess::execute(
+        "cp", {"-R", VEXA_BUNDLE_DIR "/resources/.", folder.filePath("resources")});
+    return copied == 0 ? folder.filePath("resources") : QString();
+}
+
+const char workingCopyName[] = "/tmpcif.cif";
+} // namespace
+
+void PageWindow::setWorkingCopy(const QByteArray& text)
+{
+    QFile file(resourcesCopy() + workingCopyName);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        qFatal("the working copy cannot be written");
+}
+
+void PageWindow::rememberIn(const QString& file)
+{
+    webPage->networkAccessManager()->setCookieJar(new pageMemory(file));
+}
+
 PageWindow::PageWindow(QWidget* parent)
     : QFrame(parent),
       webPage(new WatchedPage(this)),
@@ -104,6 +137,7 @@ PageWindow::PageWindow(QWidget* parent)
     webPage->setPalette(palette);
     webView->setAttribute(Qt::WA_OpaquePaintEvent, false);
     resize(500, 450);
+    QFile::remove(resourcesCopy() + workingCopyName);
 }
 
 void PageWindow::paintEvent(QPaintEvent*)
@@ -130,7 +164,7 @@ void PageWindow::paintEvent(QPaintEvent*)
 bool PageWindow::load(const QString& name, bool publishNow)
 {
     QSignalSpy loaded(webView, &QWebView::loadFinished);
-    webView->load(QUrl::fromLocalFile(VEXA_BUNDLE_DIR "/resources/webwidgets/" + name));
+    webView->load(QUrl::fromLocalFile(resourcesCopy() + "/webwidgets/" + name));
     show();
     if (!loaded.wait(10000) || !loaded.first().first().toBool())
         return false;
@@ -220,9 +254,14 @@ QStringList PageWindow::tabOrder()
     return order;
 }
 
-void PageWindow::click(const QString& id)
+void PageWindow::scrollTo(const QString& id)
 {
     element(id).evaluateJavaScript("this.scrollIntoViewIfNeeded()");
+}
+
+void PageWindow::click(const QString& id)
+{
+    scrollTo(id);
     const QPoint position = box(id).center();
     QTest::mouseMove(webView, position);
     QTest::mouseClick(webView, Qt::LeftButton, Qt::NoModifier, position);
@@ -256,21 +295,26 @@ void PageWindow::choose(const QString& id, const QString& option)
         press(Qt::Key_Down);
 }
 
+void PageWindow::drop(const QString& path)
+{
+    const QByteArray list = QJsonDocument(QJsonArray{path}).toJson(QJsonDocument::Compact);
+    evaluate("fileDropped(" + QString::fromUtf8(list.mid(1, list.size() - 2)) + ");");
+}
+
 QVariant PageWindow::evaluate(const QString& script)
 {
     return webPage->mainFrame()->evaluateJavaScript(script);
 }
 
-void PageWindow::photograph(const QString& name)
+QImage PageWindow::photograph()
 {
-    QDir().mkpath(VEXA_SCREENSHOT_DIR);
-    // One turn of the event loop, for styles that are still to be applied.
-    QCoreApplication::processEvents();
+    // Turns of the event loop, for styles that are still to be applied.
+    QTest::qWait(50);
     QImage picture(size() * devicePixelRatio(), QImage::Format_RGB32);
     picture.setDevicePixelRatio(devicePixelRatio());
-    picture.fill(QColor(0x5b, 0x7f, 0x8c)); // some desktop
+    picture.fill(QColor(0x5b, 0x7f, 0x8c));
     QPainter painter(&picture);
     painter.drawPixmap(0, 0, grab());
     painter.end();
-    picture.save(QString(VEXA_SCREENSHOT_DIR "/%1.png").arg(name));
+    return picture;
 }

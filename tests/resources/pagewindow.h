@@ -5,6 +5,7 @@
 #include <functional>
 
 #include <QFrame>
+#include <QImage>
 #include <QStringList>
 #include <QWebPage>
 
@@ -63,8 +64,13 @@ public:
 
     FakeProgram program;
 
-    // Loads a page of the staged bundle and shows the window. With publish, the program's object
-    // is there after the load, as in the real window, and the page has noticed it.
+    // The working copy that the page looks at; there is none until then.
+    void setWorkingCopy(const QByteArray& text);
+    // What the page remembers stands in this file from now on. Otherwise it forgets all.
+    void rememberIn(const QString& file);
+
+    // Loads a page of a copy of the staged resources and shows the window. With publish, the
+    // program's object is there after the load, as in the real window, and the page has noticed it.
     bool load(const QString& page, bool publish = true);
     void publish();
     // Makes the page's repeating timers run that much faster. Call before load().
@@ -83,6 +89,7 @@ public:
     QString value(const QString& id) const;
     QString focused() const;
     QStringList tabOrder();
+    void scrollTo(const QString& id);
     void click(const QString& id);
     void focus(const QString& id);
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
@@ -90,11 +97,14 @@ public:
     // Chooses an option of a <select> by the keyboard, as many keys as it takes.
     void choose(const QString& id, const QString& option);
 
+    // A file dropped on the window, as the program tells the page of it; empty for anything else.
+    void drop(const QString& path);
+
     // Calls a page function as the program does.
     QVariant evaluate(const QString& script);
 
-    // Saves a picture of the whole window among the build's files.
-    void photograph(const QString& name);
+    // A picture of the whole window, over some desktop.
+    QImage photograph();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -8,8 +8,11 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QImage>
 #include <QLayout>
+#include <QMimeData>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
@@ -128,7 +131,10 @@ private slots:
     void aFailedLoadPublishesToo();
     void thePageCannotDeleteTheWindow();
     void theViewCanOutliveTheWindow();
-    void droppedFilesAreRefused();
+    void droppedFileIsNamedToThePage_data();
+    void droppedFileIsNamedToThePage();
+    void aPageWithoutTheFunctionGetsNoDrops();
+    void aDropMayEndTheWindow();
     void onlyLocalPagesAreShown_data();
     void onlyLocalPagesAreShown();
 };
@@ -516,11 +522,84 @@ void tst_WebWidget::theViewCanOutliveTheWindow()
                            webpages::writePage(QStringLiteral("e.html"), QStringLiteral("<p>e"))));
 }
 
-void tst_WebWidget::droppedFilesAreRefused()
+namespace
 {
-    webWidget window(QString(), nullptr);
-    QVERIFY(!window.acceptDrops());
-    QVERIFY(!window.webView()->acceptDrops());
+// Drags and drops; returns whether the window took the drop, and as what.
+Qt::DropAction drop(webWidget& window, const QMimeData& data)
+{
+    const QPoint position = window.rect().center();
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(position, offered, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(&window, &enter);
+    if (!enter.isAccepted())
+        return Qt::IgnoreAction;
+    QDropEvent event(position, offered, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &event);
+    return event.dropAction();
+}
+
+const QString collectingPage = QStringLiteral(
+    "<script>var dropped = []; function fileDropped(path) { dropped.push(path); }</script>");
+} // namespace
+
+void tst_WebWidget::droppedFileIsNamedToThePage_data()
+{
+    QTest::addColumn<QList<QUrl>>("urls");
+    QTest::addColumn<QString>("path"); // empty: nothing that could be taken
+    const auto file = [](const QString& path) { return QUrl::fromLocalFile(path); };
+    QTest::newRow("file") << QList<QUrl>{file("/a/one.cif")} << "/a/one.cif";
+    const QString odd = QStringLiteral("/a b/\"'\\');\n</script>%20\u00e9\u03b1\u2028\u2029.cif");
+    QTest::newRow("characters that scripts know") << QList<QUrl>{file(odd)} << odd;
+    QTest::newRow("two files") << QList<QUrl>{file("/a.cif"), file("/b.cif")} << "";
+    QTest::newRow("link") << QList<QUrl>{QUrl("http://127.0.0.1/one.cif")} << "";
+    QTest::newRow("text") << QList<QUrl>() << "";
+}
+
+void tst_WebWidget::droppedFileIsNamedToThePage()
+{
+    QFETCH(QList<QUrl>, urls);
+    QFETCH(QString, path);
+    auto window = makeWindow(QString());
+    QWebView& view = *window->webView();
+    QVERIFY(webpages::load(view, webpages::writePage("drop.html", collectingPage)));
+    QMimeData data;
+    if (urls.isEmpty())
+        data.setText(QStringLiteral("some text"));
+    else
+        data.setUrls(urls);
+    // A file manager may propose to move the file; it must stay where it is.
+    QCOMPARE(drop(*window, data), path.isEmpty() ? Qt::IgnoreAction : Qt::CopyAction);
+    QTRY_COMPARE(webpages::evaluate(view, "dropped.length").toInt(), 1);
+    QCOMPARE(webpages::evaluate(view, "dropped[0]").toString(), path);
+}
+
+void tst_WebWidget::aPageWithoutTheFunctionGetsNoDrops()
+{
+    auto window = makeWindow(QString());
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a/one.cif"))});
+    QVERIFY(!window->webView()->acceptDrops());
+    QCOMPARE(drop(*window, data), Qt::IgnoreAction);
+    QVERIFY(webpages::load(*window->webView(), webpages::writePage("bare.html", "<p>bare")));
+    QCOMPARE(drop(*window, data), Qt::IgnoreAction);
+    std::unique_ptr<QWebView> view(window->releaseWebView());
+    QCOMPARE(drop(*window, data), Qt::IgnoreAction);
+}
+
+void tst_WebWidget::aDropMayEndTheWindow()
+{
+    QPointer<webWidget> window = new webWidget(QString(), nullptr);
+    QWebView* view = window->webView();
+    QVERIFY(webpages::load(*view, webpages::writePage("drop.html", collectingPage)));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a/one.cif"))});
+    QCOMPARE(drop(*window, data), Qt::CopyAction);
+    // As quit() does it, before the page has heard of the file.
+    const std::unique_ptr<QWebView> released(window->releaseWebView());
+    delete window;
+    QCoreApplication::processEvents();
+    QVERIFY(!window);
 }
 
 void tst_WebWidget::onlyLocalPagesAreShown_data()
