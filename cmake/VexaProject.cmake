@@ -81,6 +81,10 @@ function(vexa_add_test name)
     endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+    if(VEXAWORD_SANITIZE)
+        target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/keep_libraries.cpp")
+        set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
+    endif()
     target_compile_definitions(${name} PRIVATE
         VEXA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
         VEXA_BUNDLE_DIR="${VEXAWORD_BUNDLE_DIR}")
