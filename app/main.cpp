@@ -5,6 +5,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -24,6 +25,10 @@ QString fileOf(const QStringList& arguments)
 
 int main(int argc, char* argv[])
 {
+    // Qt's network code would wake up every ten seconds to look for new interfaces. It needs to
+    // know of none: a request finds its way when it is made.
+    if (!qEnvironmentVariableIsSet("QT_BEARER_POLL_TIMEOUT"))
+        qputenv("QT_BEARER_POLL_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     // On a display of many dots per inch the window would be as small as its pixels otherwise.
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication program(argc, argv);

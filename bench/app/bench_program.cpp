@@ -147,13 +147,14 @@ long switches(qint64 pid)
     return sum;
 }
 
-// The page as it is shipped: one that talks to the listener keeps the network code awake.
+// The page as it is shipped: one that talks to the listener keeps the network code awake. The
+// engine tidies up its memory for some seconds after it has loaded a page.
 void printIdle(const Bundle& bundle)
 {
     bundle.setShippedPage();
     QProcess process;
     process.start(bundle.app + QStringLiteral("/vexaword"), QStringList());
-    QProcess::execute(QStringLiteral("sleep"), {QStringLiteral("8")});
+    QProcess::execute(QStringLiteral("sleep"), {QStringLiteral("20")});
     const qint64 pid = process.processId();
     const QByteArray cpu = read(QStringLiteral("/proc/%1/stat").arg(pid));
     const long before = switches(pid);
