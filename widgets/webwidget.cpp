@@ -6,13 +6,16 @@
 #include "widgets/resizehandle.h"
 #include "widgets/webwidgettoolbutton.h"
 
+#include <QBackingStore>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QDragLeaveEvent>
 #include <QDropEvent>
 #include <QHBoxLayout>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMimeData>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
@@ -21,6 +24,10 @@
 #include <QWebPage>
 #include <QWebSettings>
 #include <QWebView>
+
+#if VEXAWORD_X11
+#include <QX11Info>
+#endif
 
 #include <cstdlib>
 
@@ -215,11 +222,25 @@ void webWidget::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
+// What is transparent would be black on a display without a compositor. A picture of the window, as
+// grab() takes it, is transparent everywhere.
+bool webWidget::isSeenThrough(const QPainter& painter) const
+{
+#if VEXAWORD_X11
+    QBackingStore* screen = backingStore();
+    return !screen || painter.paintEngine()->paintDevice() != screen->paintDevice() ||
+           !QX11Info::isPlatformX11() || QX11Info::isCompositingManagerRunning();
+#else
+    Q_UNUSED(painter)
+    return true;
+#endif
+}
+
 void webWidget::paintEvent(QPaintEvent* event)
 {
     const bool translucent = optionWords.contains(QLatin1String("opacity"));
     QPainter painter(this);
-    painter.fillRect(event->rect(), Qt::transparent);
+    painter.fillRect(event->rect(), isSeenThrough(painter) ? Qt::transparent : Qt::lightGray);
     painter.setPen(Qt::NoPen);
 
     if (optionWords.contains(QLatin1String("shadow"))) {
@@ -279,6 +300,12 @@ void webWidget::dragEnterEvent(QDragEnterEvent* event)
         return;
     event->setDropAction(Qt::CopyAction);
     event->accept();
+    showDrag(true);
+}
+
+void webWidget::dragLeaveEvent(QDragLeaveEvent*)
+{
+    showDrag(false);
 }
 
 void webWidget::dropEvent(QDropEvent* event)
@@ -286,9 +313,18 @@ void webWidget::dropEvent(QDropEvent* event)
     const QString path = draggedFile(*event->mimeData());
     event->setDropAction(path.isEmpty() ? Qt::IgnoreAction : Qt::CopyAction);
     event->accept();
+    showDrag(false);
     // Not from here: the page may take its time, for which the other program would wait, and it may
     // end this window.
     QTimer::singleShot(0, this, [this, path] { nameDroppedFile(path); });
+}
+
+void webWidget::showDrag(bool isOver)
+{
+    if (view)
+        view->page()->mainFrame()->evaluateJavaScript(
+            QStringLiteral("if (typeof fileOver === 'function') fileOver(%1);")
+                .arg(isOver ? QLatin1String("true") : QLatin1String("false")));
 }
 
 void webWidget::nameDroppedFile(const QString& path)

@@ -15,7 +15,9 @@ class QWebView;
 // A title row (drag handle, image buttons), a web view and a bottom grip over a rounded gradient.
 // It moves by its title row and is resized at its left, right and bottom edges and by the grip. The
 // page reaches the window itself as "QuilLet" once a load has finished. Files dropped anywhere on
-// it are named to the page, if that defines the function fileDropped(path); GUI thread only.
+// it are named to the page, if that defines the function fileDropped(path), and it is told by
+// fileOver(true), fileOver(false) while they are dragged over the window, if it defines that too;
+// GUI thread only.
 //
 // Options are words found anywhere in the option string, whatever their order:
 //   shadow       a drop shadow on the right and at the bottom
@@ -66,13 +68,16 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
+    bool isSeenThrough(const QPainter& painter) const;
     QHBoxLayout* buildTitleRow();
     void preparePage();
     void findEdges(const QPoint& position);
     void dragEdges(const QPoint& position);
+    void showDrag(bool isOver);
 
     QWebView* view;
     dragHandle* mover;

@@ -189,3 +189,9 @@ function fileDropped(path) {
     'use strict';
     Vexa.structure.takeDropped(path);
 }
+
+// Called by the window by this name while something is dragged over it.
+function fileOver(isOver) {
+    'use strict';
+    Vexa.view.element('page').setAttribute('data-drag', isOver ? 'over' : '');
+}

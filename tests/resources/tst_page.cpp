@@ -57,6 +57,7 @@ private slots:
     void damagedMemoryDoesNoHarm_data();
     void damagedMemoryDoesNoHarm();
     void droppedCifIsTaken();
+    void whatIsDraggedOverIsInvited();
     void anythingElseIsRefusedWithAWord_data();
     void anythingElseIsRefusedWithAWord();
     void fileGivenAtTheStartIsTaken();
@@ -502,6 +503,15 @@ void TestPage::droppedCifIsTaken()
     QVERIFY(page.isEnabled("save-cif"));
     page.click("recent");
     QVERIFY(page.isVisible("recent-menu"));
+}
+
+void TestPage::whatIsDraggedOverIsInvited()
+{
+    PageWindow& page = open();
+    page.evaluate("fileOver(true)");
+    photograph("drag-over");
+    page.evaluate("fileOver(false)");
+    photograph("start");
 }
 
 void TestPage::anythingElseIsRefusedWithAWord_data()

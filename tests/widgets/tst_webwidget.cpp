@@ -14,11 +14,13 @@
 #include <QLayout>
 #include <QMimeData>
 #include <QPointer>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWebFrame>
 #include <QWebPage>
 #include <QWebView>
+#include <QX11Info>
 
 #include <memory>
 
@@ -113,6 +115,7 @@ private slots:
     void rowsAreTitleThenViewThenGrip();
     void painting_data();
     void painting();
+    void whatIsTransparentIsNeverBlack();
     void thePageShowsOverTheGradient();
     void edgesShowTheirCursor_data();
     void edgesShowTheirCursor();
@@ -134,6 +137,7 @@ private slots:
     void droppedFileIsNamedToThePage_data();
     void droppedFileIsNamedToThePage();
     void aPageWithoutTheFunctionGetsNoDrops();
+    void pageIsToldOfWhatIsDraggedOver();
     void aDropMayEndTheWindow();
     void onlyLocalPagesAreShown_data();
     void onlyLocalPagesAreShown();
@@ -286,6 +290,34 @@ void tst_WebWidget::painting()
         COMPARE_PIXEL(image, view.x(), middle, panelOutline.over(panel).over(gradients(view.x())));
         COMPARE_PIXEL(image, view.right() - 1, middle, gradients(view.right() - 1));
     }
+}
+
+void tst_WebWidget::whatIsTransparentIsNeverBlack()
+{
+    const bool hasCompositor = qEnvironmentVariableIsSet("VEXA_COMPOSITOR");
+    QTRY_COMPARE(QX11Info::isCompositingManagerRunning(), hasCompositor);
+    QWidget desktop(nullptr, Qt::Window | Qt::FramelessWindowHint);
+    desktop.setPalette(Qt::green);
+    desktop.setGeometry(100, 70, 600, 400);
+    QVERIFY(realinput::showAndActivate(desktop));
+    auto window = makeWindow(QStringLiteral("transparent opacity shadow"));
+    QVERIFY(realinput::showAndActivate(*window));
+    const auto seenAt = [&window](int x, int y) {
+        const QPoint place = window->pos() + QPoint(x, y);
+        return QGuiApplication::primaryScreen()
+            ->grabWindow(0, place.x(), place.y(), 1, 1)
+            .toImage()
+            .pixelColor(0, 0)
+            .name();
+    };
+    const QString ground = QColor(hasCompositor ? Qt::green : Qt::lightGray).name();
+    const int w = window->width(), h = window->height();
+    for (const QPoint& corner : {QPoint(w - 1, 0), QPoint(w - 5, 0), QPoint(0, h - 1)})
+        QTRY_COMPARE(seenAt(corner.x(), corner.y()), ground);
+    // White to light grey, half of it, over the ground.
+    const QColor shadow(seenAt(w - 2, h / 2));
+    QVERIFY2(hasCompositor ? shadow.green() > shadow.red() + 100 : shadow.red() > 192,
+             qPrintable(shadow.name()));
 }
 
 void tst_WebWidget::thePageShowsOverTheGradient()
@@ -585,6 +617,29 @@ void tst_WebWidget::aPageWithoutTheFunctionGetsNoDrops()
     QCOMPARE(drop(*window, data), Qt::IgnoreAction);
     std::unique_ptr<QWebView> view(window->releaseWebView());
     QCOMPARE(drop(*window, data), Qt::IgnoreAction);
+}
+
+void tst_WebWidget::pageIsToldOfWhatIsDraggedOver()
+{
+    auto window = makeWindow(QString());
+    QWebView& view = *window->webView();
+    QVERIFY(webpages::load(
+        view, webpages::writePage("drag.html", "<script>var told = '';"
+                                               "function fileDropped() { told += 'dropped '; }"
+                                               "function fileOver(isOver) { told += isOver + ' '; }"
+                                               "</script>")));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a/one.cif"))});
+    drop(*window, data);
+    QTRY_COMPARE(webpages::evaluate(view, "told").toString(),
+                 QStringLiteral("true false dropped "));
+    QDragEnterEvent enter(window->rect().center(), Qt::CopyAction, &data, Qt::LeftButton,
+                          Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(window.get(), &leave);
+    QCOMPARE(webpages::evaluate(view, "told").toString(),
+             QStringLiteral("true false dropped true false "));
 }
 
 void tst_WebWidget::aDropMayEndTheWindow()
