@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace
 {
@@ -54,14 +55,26 @@ constexpr int longestMarker = [] {
     return longest;
 }();
 
+QStringView fromNextUnderscore(QStringView text)
+{
+    const auto start = text.indexOf(QLatin1Char('_'));
+    return start < 0 ? QStringView() : text.mid(start);
+}
+
+// Qt's own search makes characters of the bytes first.
+QLatin1String fromNextUnderscore(QLatin1String text)
+{
+    const void* start = std::memchr(text.data(), '_', static_cast<size_t>(text.size()));
+    return start ? QLatin1String(static_cast<const char*>(start), text.end()) : QLatin1String();
+}
+
 // View is a view of characters or of ASCII bytes, and may be as long as memory allows: one pass
 // looks for underscores, and at what follows them.
 template<typename View>
 bool holdsMarker(View text)
 {
-    for (auto start = text.indexOf(QLatin1Char('_')); start >= 0;
-         start = text.indexOf(QLatin1Char('_'), start + 1)) {
-        const View rest = text.mid(start);
+    for (View rest = fromNextUnderscore(text); !rest.isEmpty();
+         rest = fromNextUnderscore(rest.mid(1))) {
         const auto isHere = [rest](QLatin1String marker) {
             return rest.startsWith(marker, Qt::CaseInsensitive);
         };
