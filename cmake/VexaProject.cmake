@@ -19,14 +19,18 @@ if(VEXAWORD_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
 else()
     # CIFs come from anywhere: what the compiler can do against an overrun buffer, it does.
-    add_compile_options(-fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security)
+    add_compile_options(-fstack-protector-strong -Wformat -Werror=format-security)
     add_compile_definitions($<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
     if(NOT APPLE)
+        add_compile_options(-fstack-clash-protection)
         add_link_options(-Wl,-z,relro,-z,now)
     endif()
 endif()
 # Two builds in different folders give the same bytes.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=./build")
+
+set(VEXAWORD_CIF_COLLECTION "${PROJECT_SOURCE_DIR}/../shared/cif" CACHE PATH
+    "CIFs to try the programs on; tests that want them say \"skipped\" where there is no such folder")
 
 # The complete, runnable program is staged here; the folder can be copied anywhere.
 set(VEXAWORD_BUNDLE_DIR "${CMAKE_BINARY_DIR}/bundle")
@@ -102,6 +106,5 @@ function(vexa_add_test name)
     set_tests_properties(${name} PROPERTIES
         LABELS "${arg_LABELS}"
         TIMEOUT ${arg_TIMEOUT}
-        # CIFs to try the programs on; tests that want them say "skipped" where they are absent.
-        ENVIRONMENT "VEXA_CIF_COLLECTION=${PROJECT_SOURCE_DIR}/../shared/cif;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
+        ENVIRONMENT "VEXA_CIF_COLLECTION=${VEXAWORD_CIF_COLLECTION};LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
 endfunction()

@@ -12,6 +12,7 @@ const char* const usage =
     "  or:  quillet -sas FILE [OPTION]...\n"
     "  or:  quillet -htmPX FILE C TEMPLATE [OPTION]...\n"
     "  or:  quillet --figure FILE OUT.svg|OUT.png [--block=NAME] [OPTION]...\n"
+    "  or:  quillet --check FILE [--strict]\n"
     "\n"
     "Reads the CIF FILE and prints the article it is the start of as HTML, or draws its "
     "structure.\n"
@@ -26,6 +27,7 @@ const char* const usage =
     "                curves of a scattering measurement, or of the statistics of a\n"
     "                macromolecular structure in resolution shells: of the first one in FILE\n"
     "  --block=NAME  with --figure: of that in the block data_NAME\n"
+    "  --check       nothing but the warnings about FILE, of whatever kind it is\n"
     "\n"
     "Options:\n"
     "  --warnings=article   warnings about the CIF are the last section of the article (default)\n"
@@ -39,7 +41,7 @@ const char* const usage =
     "  --version            print the version\n"
     "\n"
     "Exit status:\n"
-    "  0  the article was printed, or the drawing written\n"
+    "  0  the article was printed, the drawing written, or the file checked\n"
     "  1  the file cannot be read, is not a CIF, or has nothing to draw; or --strict and a "
     "warning\n"
     "  2  wrong call\n";
@@ -90,7 +92,7 @@ private:
         else if (argument == "-sas")
             m_is_scattering = true;
         else if (argument == "-htmmo6" || argument == "-htmmo5" || argument == "-htmPX" ||
-                 argument == "--figure")
+                 argument == "--figure" || argument == "--check")
             take_task(argument);
         else if (begins_with(argument, block))
             m_result.figure_block = argument.substr(block.size());
@@ -125,6 +127,8 @@ private:
         m_result.cif_path = m_operands.front();
         if (m_task == "--figure")
             settle_figure();
+        else if (m_task == "--check")
+            settle_check();
         else if (m_task == "-htmPX")
             settle_small_molecule();
         else
@@ -143,6 +147,15 @@ private:
         m_result.task = CommandLine::Task::figure;
         m_result.figure_path = m_operands[1];
         m_result.figure_format = ends_with(".png") ? FigureFormat::png : FigureFormat::svg;
+    }
+
+    void settle_check()
+    {
+        if (m_operands.size() > 1 || m_is_scattering)
+            throw UsageError("--check takes one CIF file and no kind of article");
+        m_result.task = CommandLine::Task::check;
+        m_result.warnings = WarningPlace::standard_error;
+        m_result.article.has_notes_section = false;
     }
 
     void settle_small_molecule()

@@ -13,7 +13,7 @@ namespace quillet
 enum class WarningPlace { article, standard_error, nowhere };
 
 struct CommandLine {
-    enum class Task { article, figure, help, version } task = Task::article;
+    enum class Task { article, check, figure, help, version } task = Task::article;
     std::string cif_path;
     ArticleOptions article; // its template's path as given
     std::string figure_path;

@@ -1,8 +1,9 @@
 #include "quillet/plot.h"
 
+#include "quillet/plain_number.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <map>
 #include <set>
 
@@ -68,9 +69,7 @@ std::string with_minus_sign(std::string text)
 
 RichText number_label(double value, int decimals)
 {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-    return plain_text(with_minus_sign(buffer));
+    return plain_text(with_minus_sign(plain_number(value, decimals)));
 }
 
 RichText power_of_ten(int exponent)

@@ -87,8 +87,8 @@ struct ArticleOptions {
     bool prefers_communication = false;
 
     // A template to use in place of the built-in one, in UTF-8; not used where another article than
-    // one of `kind` has to be made. What may stand in it says templates/README.md in quillet's
-    // sources. The text is read from `template_path` unless it is given; errors name the path in
+    // one of `kind` has to be made. templates/README.md in quillet's sources says what may stand
+    // in it. The text is read from `template_path` unless it is given; errors name the path in
     // either case.
     std::string template_path;
     std::optional<std::string> template_text;

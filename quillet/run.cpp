@@ -86,7 +86,8 @@ int make_and_print(const CommandLine& command, const std::string& program_folder
     }
     if (command.warnings == WarningPlace::standard_error)
         print_notes(article.notes, command.cif_path, "warning", err);
-    out << article.html;
+    if (command.task == CommandLine::Task::article)
+        out << article.html;
     return done;
 }
 

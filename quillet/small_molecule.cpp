@@ -40,7 +40,7 @@ Html heading_of(const Block& block)
     if (is_roman_numeral(name))
         return escape("(" + name + ")");
     std::replace(name.begin(), name.end(), '_', ' ');
-    return escape(name);
+    return escape(collapse_blanks(name));
 }
 
 // A file of text alone has a column of question marks.
@@ -156,21 +156,35 @@ constexpr Detail details[] = {
     {"Diffraction", "_diffrn_special_details"}, {"Reflections", "_reflns_special_details"},
     {"Cell", "_cell_special_details"}};
 
-// The same text in several blocks once.
+// The same text in several blocks once; where texts differ, each with the blocks that it is from.
 Fields special_details(const Document& document)
 {
+    struct Text {
+        std::string plain;
+        Fields fields;
+        Html blocks;
+    };
     std::vector<Fields> items;
     for (const Detail& detail : details) {
-        std::vector<std::string> known;
+        std::vector<Text> texts;
         for (const Block& block : document.blocks) {
             const Item item = block.item(detail.item);
-            const std::string text = collapse_blanks(item.text);
-            if (!item.is_given() || std::find(known.begin(), known.end(), text) != known.end())
+            if (!item.is_given())
                 continue;
-            known.push_back(text);
-            Fields fields = text_section(paragraphs_of(item));
-            fields.set("heading", escape(detail.heading));
-            items.push_back(std::move(fields));
+            const std::string plain = collapse_blanks(item.text);
+            const auto known = std::find_if(texts.begin(), texts.end(), [&](const Text& text) {
+                return text.plain == plain;
+            });
+            if (known == texts.end())
+                texts.push_back({plain, text_section(paragraphs_of(item)), heading_of(block)});
+            else
+                known->blocks += ", "_html + heading_of(block);
+        }
+        for (Text& text : texts) {
+            text.fields.set("heading",
+                            texts.size() == 1 ? escape(detail.heading)
+                                              : escape(detail.heading) + " for "_html + text.blocks);
+            items.push_back(std::move(text.fields));
         }
     }
     Fields section;

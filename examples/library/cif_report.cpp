@@ -30,8 +30,7 @@ void report(const std::string& path)
 
     const std::string stem = path.substr(0, path.rfind('.'));
     write(stem + ".html", article.html);
-    if (article.kind == quillet::ArticleKind::small_molecule)
-        write(stem + ".svg", quillet::draw_figure(path, quillet::FigureFormat::svg).data);
+    write(stem + ".svg", quillet::draw_figure(path, quillet::FigureFormat::svg).data);
 }
 
 } // namespace
