@@ -35,6 +35,8 @@ Desk::Desk()
     writeScript(bundle + QStringLiteral("/vexainkworks_wm.dotm"), articlePath());
 }
 
+const char* const announcement = "LibreOffice is making the manuscript …";
+
 QString Desk::resources() const
 {
     return home() + QStringLiteral("/Library/Application Support/VexaWord/resources201");
@@ -75,6 +77,10 @@ RunResult Desk::run(const QStringList& arguments)
     run.exitCode = process->exitCode();
     run.output = QString::fromUtf8(process->readAllStandardOutput());
     run.errors = QString::fromUtf8(process->readAllStandardError());
+    const QString announced =
+        QStringLiteral("osascript: %1\n").arg(QString::fromUtf8(announcement));
+    run.wasAnnounced = run.errors.contains(announced);
+    run.errors.remove(announced);
     return run;
 }
 

@@ -12,10 +12,14 @@
 #include <QString>
 #include <QTemporaryDir>
 
+// What osascript says when LibreOffice takes its time. Whether it does is the machine's affair.
+extern const char* const announcement;
+
 struct RunResult {
     int exitCode = -1;
     QString output; // standard output
-    QString errors; // standard error
+    QString errors; // standard error, but for the announcement
+    bool wasAnnounced = false;
 
     // The one line of standard output: the path of the manuscript.
     QString document() const { return output.trimmed(); }

@@ -173,6 +173,7 @@ protected:
         const auto run = desk.start(arguments);
         EXPECT_TRUE(isWaitedFor(
             [&] { return run->waitForFinished(0) || run->state() == QProcess::NotRunning; }));
+        service.shown.removeAll(QStringLiteral("Vexa Word: ") + QString::fromUtf8(announcement));
         return service.shown;
     }
 };
