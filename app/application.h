@@ -33,6 +33,10 @@ public:
     // before the page is there.
     void openFile(const QString& path);
 
+    // The same for a program that was started again: brings the window to the front. False if there
+    // is none any more. An empty path stands for no file.
+    bool takeOverFrom(const QString& path);
+
     // See app/resourcefolder.h.
     static bool cpDir(const QString& src, const QString& dst);
     static bool rmDir(const QString& path);

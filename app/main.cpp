@@ -1,6 +1,8 @@
 #include "app/application.h"
+#include "app/onewindow.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -34,7 +36,13 @@ int main(int argc, char* argv[])
     QApplication program(argc, argv);
     // Desktops find name and icon of the window by it.
     QGuiApplication::setDesktopFileName(QStringLiteral("vexaword"));
+    const QString file = fileOf(QCoreApplication::arguments());
+    oneWindow window(QDir::homePath() +
+                     QStringLiteral("/Library/Application Support/VexaWord/window"));
+    if (window.handOver(file))
+        return 0;
     Application application;
-    application.openFile(fileOf(QCoreApplication::arguments()));
+    window.listen([&](const QString& another) { return application.takeOverFrom(another); });
+    application.openFile(file);
     return program.exec();
 }

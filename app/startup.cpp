@@ -5,7 +5,7 @@
 #include "process/procthread.h"
 #include "widgets/webwidget.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QEvent>
 #include <QFile>
@@ -119,8 +119,25 @@ void Application::openFile(const QString& path)
         handOverFile();
 }
 
+bool Application::takeOverFrom(const QString& path)
+{
+    if (!mainWindow)
+        return false;
+    mainWindow->setWindowState(mainWindow->windowState() & ~Qt::WindowMinimized);
+    mainWindow->raise();
+    mainWindow->activateWindow();
+    if (!path.isEmpty())
+        openFile(path);
+    return true;
+}
+
 void Application::handOverFile()
 {
+    // The page has called for a dialog, and waits for its answer.
+    if (QApplication::activeModalWidget()) {
+        QTimer::singleShot(300, this, &Application::handOverFile);
+        return;
+    }
     if (mainWindow && !fileToOpen.isEmpty())
         mainWindow->nameDroppedFile(std::exchange(fileToOpen, QString()));
 }

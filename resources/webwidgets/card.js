@@ -26,6 +26,9 @@ Vexa.card = (function () {
         if (summary.blocks === 0) {
             return {kind: 'doubt', text: 'This does not look like a CIF: there is no data block in it.'};
         }
+        if (summary.endsInText) {
+            return {kind: 'doubt', text: 'The file ends inside a text: a semicolon is missing, or it is cut off.'};
+        }
         if (!summary.complete) {
             return {kind: 'note', text: 'A large file: only its beginning was looked at.' +
                 (missing ? ' Not seen there: ' + missing + '.' : '')};
@@ -74,7 +77,7 @@ Vexa.card = (function () {
         view.setText('structure-name', Vexa.rules.shortName(structure.name));
         view.element('structure-name').title = structure.path || structure.name;
         view.setText('structure-kind', kindOf(structure));
-        view.element('structure-details').disabled = !structure.summary;
+        view.element('structure-kind').title = kindOf(structure);
         if (structure.summary) {
             showSummary(structure.summary);
         } else {
@@ -97,7 +100,7 @@ Vexa.card = (function () {
         Vexa.dialog.open({
             title: structure.name,
             rows: [where, {label: 'Kind', value: kindOf(structure)}].concat(summary.rows),
-            lines: summary.complete ? [] : [noteOn(summary).text],
+            lines: summary.complete && !summary.endsInText ? [] : [noteOn(summary).text],
             accept: 'Close'
         });
     }

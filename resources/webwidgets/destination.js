@@ -4,6 +4,7 @@ Vexa.destination = (function () {
 
     var view = Vexa.view;
     var state = null;
+    var scatteringWanted = false; // the box as the user left it, whatever a structure suggests
 
     function addOption(select, value, label) {
         var option = document.createElement('option');
@@ -56,7 +57,8 @@ Vexa.destination = (function () {
         var last = Vexa.memory.get('destination');
         if (last && named(VexaJournals, last.journal)) {
             view.element('journal').value = last.journal;
-            view.element('sas').checked = last.scattering === true;
+            scatteringWanted = last.scattering === true;
+            view.element('sas').checked = scatteringWanted;
             journalChosen();
             if (named(state.journal.categories, last.category)) {
                 view.element('category').value = last.category;
@@ -70,7 +72,7 @@ Vexa.destination = (function () {
         Vexa.memory.set('destination', {
             journal: state.journal ? state.journal.name : '',
             category: state.category ? state.category.name : '',
-            scattering: state.scattering
+            scattering: scatteringWanted
         });
     }
 
@@ -100,10 +102,27 @@ Vexa.destination = (function () {
         Vexa.render();
     }
 
-    // For an entry that tells which kind of article is meant.
-    function suggestScattering() {
-        view.element('sas').checked = true;
+    function boxChanged() {
+        scatteringWanted = view.element('sas').checked;
         scatteringChosen();
+    }
+
+    // A structure of scattering tells which kind of article is meant, any other says nothing.
+    function suggestScattering(isScattering) {
+        view.element('sas').checked = isScattering || scatteringWanted;
+        scatteringChosen();
+    }
+
+    // The engine opens a list by mouse only. Blanks belong to what is typed to find an entry.
+    function openByKey(event) {
+        var press;
+        if (event.which === 13 || (event.altKey && event.which === 40)) {
+            press = document.createEvent('MouseEvents');
+            press.initMouseEvent('mousedown', true, true, window, 1, 0, 0, 0, 0, false, false, false,
+                false, 0, null);
+            event.preventDefault();
+            event.target.dispatchEvent(press);
+        }
     }
 
     function render() {
@@ -122,7 +141,9 @@ Vexa.destination = (function () {
         fillCategories();
         view.element('journal').addEventListener('change', remembering(journalChosen), false);
         view.element('category').addEventListener('change', remembering(categoryChosen), false);
-        view.element('sas').addEventListener('change', remembering(scatteringChosen), false);
+        view.element('sas').addEventListener('change', remembering(boxChanged), false);
+        view.element('journal').addEventListener('keydown', openByKey, false);
+        view.element('category').addEventListener('keydown', openByKey, false);
     }
 
     return {start: start, restore: restore, render: render, suggestScattering: suggestScattering};

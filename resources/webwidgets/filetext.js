@@ -2,6 +2,11 @@
 Vexa.fileText = (function () {
     'use strict';
 
+    // Behind the last line end before a place; the place itself in a file without lines.
+    function endOfLine(text, place) {
+        return Math.max(text.lastIndexOf('\n', place), text.lastIndexOf('\r', place)) + 1 || place;
+    }
+
     // Reads the beginning of a file, at most so many characters. Calls onText(text, complete) or
     // onFailure(), once and later. The result is a function that calls it off.
     function read(url, most, onText, onFailure) {
@@ -25,7 +30,7 @@ Vexa.fileText = (function () {
             if (text.length > most) {
                 // What would be cut in the middle of a line is left out.
                 later(function () {
-                    onText(text.substring(0, text.lastIndexOf('\n', most) + 1), false);
+                    onText(text.substring(0, endOfLine(text, most)), false);
                 });
                 request.abort();
             }

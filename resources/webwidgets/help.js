@@ -27,7 +27,7 @@ Vexa.help = (function () {
             return;
         }
         event.preventDefault();
-        if (button && !Vexa.dialog.isOpen()) {
+        if (button && (button.id === 'quit' || !Vexa.dialog.isOpen())) {
             button.click();
         }
     }

@@ -23,10 +23,10 @@ Vexa.manuscript = (function () {
     var marks = 12; // places of the mark that shows that there is life
 
     // The page gets control about once a second only, too seldom for an animation.
-    function showSeconds(seconds) {
-        view.setText('making-text', 'quillet is reading ' + rules.shortName(state.structure.name) + '. ' +
-            (seconds > 1 ? seconds + ' s so far; ' : '') +
-            'a large structure can take up to three minutes.');
+    function showSeconds(name, seconds) {
+        view.setText('making-text', 'Reading ' + rules.shortName(name) + '… ' +
+            (seconds > 1 ? seconds + ' s. ' : '') +
+            'A large structure can take up to three minutes.');
         view.element('making-mark').style.left = (seconds % marks) * 100 / marks + '%';
     }
 
@@ -34,13 +34,14 @@ Vexa.manuscript = (function () {
     // run about once a second. If it worked, the window is closed when it returns.
     function make() {
         var started = Date.now();
+        var name = state.structure.name; // an entry may arrive meanwhile
         var clock;
         state.making = true;
         message = null;
-        showSeconds(0);
+        showSeconds(name, 0);
         Vexa.render();
         clock = setInterval(function () {
-            showSeconds(Math.round((Date.now() - started) / 1000));
+            showSeconds(name, Math.round((Date.now() - started) / 1000));
         }, 500);
         Vexa.bridge.makeManuscript(state.journal.name, state.category.name, state.scattering);
         clearInterval(clock);

@@ -25,7 +25,9 @@ Vexa.retrieval = (function () {
             return;
         }
         Vexa.structure.say('note', '');
-        awaited.codes.push(identifier.code);
+        if (awaited.codes.indexOf(identifier.code) < 0) {
+            awaited.codes.push(identifier.code);
+        }
         awaited.count += 1;
         state.waitingFor = identifier;
         seconds = 0;
@@ -75,6 +77,7 @@ Vexa.retrieval = (function () {
         Vexa.structure.take({
             path: '',
             name: codes.join(' or ') || 'Fetched entry',
+            codes: codes,
             macromolecular: true, // nothing else is accepted by the program
             scattering: codes.length > 0 && codes.every(isScattering),
             fileIsKnown: false
@@ -93,7 +96,7 @@ Vexa.retrieval = (function () {
                     ' has arrived after all and is now the current CIF.');
             }
         } else if (waitedFor) {
-            Vexa.structure.say('error', 'No usable CIF came back for ' + waitedFor.code +
+            Vexa.structure.say('error', 'No usable CIF came back for ' + codes.join(' or ') +
                 '. Is the code right, and the computer online?');
         }
         Vexa.render();

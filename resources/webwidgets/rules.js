@@ -54,21 +54,24 @@ Vexa.rules = (function () {
     // As many characters as may stand before a CIF's first data block.
     var enoughToKnowACif = 300000;
 
-    // Whether a file that begins with text may be a CIF.
-    function looksLikeCif(text) {
-        return /(^|[\s\ufeff])data_\S/i.test(text) && !/\u0000/.test(text.substring(0, 1000));
+    // Why a file that begins with text is no CIF; empty if it may be one.
+    function cifProblem(text) {
+        if (/\u0000/.test(text.substring(0, 1000))) {
+            return 'there are zero bytes in it.';
+        }
+        return /(^|[\s\ufeff])(data_|global_)/i.test(text) ? '' : 'there is no data block in it.';
     }
 
     // What a structure is: "small-molecule", "macromolecule", "scattering", or "" if that is not known.
     function kindOf(structure) {
         var kind = structure.summary ? structure.summary.kind : '';
+        if (kind && kind !== 'other') {
+            return kind; // looked at, not guessed
+        }
         if (structure.scattering) {
             return 'scattering';
         }
-        if (structure.macromolecular) {
-            return 'macromolecule';
-        }
-        return kind === 'other' ? '' : kind;
+        return structure.macromolecular ? 'macromolecule' : '';
     }
 
     // In each of the following, state is Vexa.state (start.js). An empty answer means: go ahead.
@@ -94,6 +97,9 @@ Vexa.rules = (function () {
         }
         if (!structure.path) {
             return 'Fetched: there is no file of your own to write it back to.';
+        }
+        if (structure.summary && structure.summary.isChanged) {
+            return 'Its encoding or line ends were lost in the copy: it cannot be written back.';
         }
         return structure.fileIsKnown ? '' : 'To write back, choose the file again.';
     }
@@ -159,7 +165,7 @@ Vexa.rules = (function () {
         folderName: folderName,
         shortName: shortName,
         enoughToKnowACif: enoughToKnowACif,
-        looksLikeCif: looksLikeCif,
+        cifProblem: cifProblem,
         busyProblem: busyProblem,
         fileProblem: fileProblem,
         saveProblem: saveProblem,

@@ -17,7 +17,7 @@ Vexa.setupReport = (function () {
         var templates = lines.some(function (line) {
             return /^ERROR.*resources folder/.test(line);
         });
-        return templates ? 'The folder for your templates could not be made.' :
+        return templates ? 'Your own folder of templates could not be made.' :
             'Set-up could not be completed.';
     }
 
@@ -33,7 +33,8 @@ Vexa.setupReport = (function () {
 
     function advice() {
         return hasFailed() ? ['Vexa Word works without what failed as far as it can. Is the home folder ' +
-            'full or write-protected? The next start tries again.'] : [];
+            'full or write-protected? If a folder named below is there but not whole, delete it; ' +
+            'the next start makes it again.'] : [];
     }
 
     function open() {

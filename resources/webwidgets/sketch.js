@@ -11,6 +11,7 @@ Vexa.sketch = (function () {
         _atom_site_fract_x: true, _atom_site_fract_y: true, _atom_site_fract_z: true,
         _atom_site_cartn_x: true, _atom_site_cartn_y: true, _atom_site_cartn_z: true,
         _atom_site_label_atom_id: true, _atom_site_label_asym_id: true,
+        _atom_site_pdbx_pdb_model_num: true,
         _sas_scan_intensity_momentum_transfer: true, _sas_scan_intensity_intensity: true
     };
 
@@ -36,10 +37,12 @@ Vexa.sketch = (function () {
     }
 
     function elementOf(columns, i) {
-        var symbol = (columns._atom_site_type_symbol || columns._atom_site_label || [])[i] || '';
+        var symbols = columns._atom_site_type_symbol;
+        var symbol = (symbols || columns._atom_site_label || [])[i] || '';
         var letters = /^[A-Za-z]{1,2}/.exec(symbol);
         var name = letters ? letters[0].toUpperCase() : '';
-        return elements[name] || elements[name.charAt(0) === name ? name : ''] || metal;
+        // What follows the element in a label may be a letter: HA, OW.
+        return elements[name] || (symbols ? null : elements[name.charAt(0)]) || metal;
     }
 
     // Vectors of the cell's axes, or null.
@@ -112,10 +115,11 @@ Vexa.sketch = (function () {
     function tracePoints(columns) {
         var names = columns._atom_site_label_atom_id || [];
         var chains = columns._atom_site_label_asym_id || [];
+        var models = columns._atom_site_pdbx_pdb_model_num || [];
         var points = [];
         var seen = {};
         names.forEach(function (name, i) {
-            if ((name === 'CA' || name === 'P') && points.length < mostPoints) {
+            if ((name === 'CA' || name === 'P') && models[i] === models[0] && points.length < mostPoints) {
                 points.push({
                     chain: chains[i] || '',
                     position: ['x', 'y', 'z'].map(function (axis) {

@@ -17,14 +17,25 @@ Vexa.structure = (function () {
         message = {kind: kind, text: text};
     }
 
-    // Makes a structure the current one: {path, name, macromolecular, scattering, fileIsKnown}. Its
-    // summary follows: null if the working copy cannot be looked at.
+    // Of the codes that a fetched entry may have, the one that it says; else all of them.
+    function entryAmong(codes, entry) {
+        return codes.filter(function (code) {
+            return code.toLowerCase().replace(/^pdb_0000/, '') === entry.toLowerCase();
+        })[0] || codes.join(' or ');
+    }
+
+    // Makes a structure the current one: {path, name, macromolecular, scattering, fileIsKnown}, and
+    // codes, those under which it may have been fetched. Its summary follows: null if the working copy
+    // cannot be looked at.
     function take(structure) {
         say('note', '');
         state.structure = structure;
         Vexa.workingCopy.look(function (summary) {
             if (structure === state.structure) {
                 structure.summary = summary;
+                if (summary && structure.codes && structure.codes.length) {
+                    structure.name = entryAmong(structure.codes, summary.entry);
+                }
                 noticeScattering(structure);
                 Vexa.render();
             }
@@ -36,9 +47,7 @@ Vexa.structure = (function () {
         if (structure.summary && structure.summary.kind === 'scattering') {
             structure.scattering = true;
         }
-        if (structure.scattering) {
-            Vexa.destination.suggestScattering();
-        }
+        Vexa.destination.suggestScattering(structure.scattering);
     }
 
     // What setCif has answered to a choice; problem: what to say when it took nothing.
@@ -64,16 +73,29 @@ Vexa.structure = (function () {
 
     function choose() {
         takeAnswer(bridge.chooseCif(), {kind: 'note', text: state.structure ? 'No other CIF taken.' :
-            'No CIF was taken: the dialog was closed, or the file cannot be read.'});
+            'No CIF was taken: the dialog was closed, or the file cannot be read or copied.'});
+    }
+
+    // What to say when a file that can be read was not taken.
+    function notCopied(name) {
+        return {kind: 'error', text: name + ' could not be copied. ' +
+            'Is the disk full, or your home folder write-protected?'};
     }
 
     function takeRecent(path) {
+        var name = rules.shortName(rules.fileName(path));
         var answer = bridge.takeCif(path);
+        takeAnswer(answer, notCopied(name));
         if (!answer) {
-            Vexa.recent.remove(path);
+            Vexa.fileText.read(Vexa.fileText.urlOf(path), 1, function () {}, function () {
+                Vexa.recent.remove(path);
+                say('error', name + ' cannot be read any more; it is off the list now.');
+                Vexa.render();
+                if (document.activeElement === document.body) {
+                    view.element('choose-cif').focus(); // the list's button is gone with its last file
+                }
+            });
         }
-        takeAnswer(answer, {kind: 'error',
-            text: rules.fileName(path) + ' cannot be read any more; it is off the list now.'});
     }
 
     function refuse(text) {
@@ -81,35 +103,46 @@ Vexa.structure = (function () {
         Vexa.render();
     }
 
+    // Why no file can be taken at this moment.
+    function dropProblem() {
+        return rules.busyProblem(state) || (Vexa.dialog.isOpen() ? 'Close this first.' : '');
+    }
+
     // A file that was dropped on the window, or that the program was given at its start.
     function takeDropped(path) {
         var name = rules.shortName(rules.fileName(path));
         if (!state.connected) {
             early = path;
-        } else if (state.waitingFor) {
-            refuse('Not taken: still waiting for ' + state.waitingFor.code + '.');
-        } else if (!rules.busyProblem(state) && !Vexa.dialog.isOpen()) {
-            if (path === '') {
-                refuse('Only a CIF can be dropped here, one at a time.');
-                return;
-            }
+        } else if (dropProblem()) {
+            refuse('Not taken: ' + dropProblem());
+        } else if (path === '') {
+            refuse('Only a CIF can be dropped here, one at a time.');
+        } else {
             Vexa.fileText.read(Vexa.fileText.urlOf(path), rules.enoughToKnowACif, function (text) {
-                if (rules.looksLikeCif(text)) {
-                    takeChecked(path, name);
+                var problem = rules.cifProblem(text);
+                if (problem) {
+                    refuse(name + ' is not a CIF: ' + problem);
                 } else {
-                    refuse(name + ' is not a CIF: there is no data block in it.');
+                    takeChecked(path, name);
                 }
             }, function () {
-                refuse(name + ' cannot be read: only a CIF can be taken.');
+                refuse(name + ' cannot be read. Is it there, and is it a file?');
             });
         }
     }
 
     // Something else may have begun while the file was looked at.
     function takeChecked(path, name) {
-        if (!rules.busyProblem(state) && !Vexa.dialog.isOpen()) {
-            takeAnswer(bridge.takeCif(path), {kind: 'error', text: name + ' cannot be read.'});
+        if (dropProblem()) {
+            refuse(name + ' was not taken: ' + dropProblem());
+        } else {
+            takeAnswer(bridge.takeCif(path), notCopied(name));
         }
+    }
+
+    // Something is dragged over the window, or no longer.
+    function showDrag(isOver) {
+        view.element('page').setAttribute('data-drag', isOver && !dropProblem() ? 'over' : '');
     }
 
     function askToSave() {
@@ -118,7 +151,8 @@ Vexa.structure = (function () {
             title: 'Write back to ' + structure.name + '?',
             lines: [
                 structure.path,
-                'What the file holds now is replaced by the copy that Vexa Word works on.'
+                'What the file holds now is replaced by the copy that Vexa Word works on, ' +
+                    'in UTF-8 and with Unix line ends.'
             ],
             accept: 'Write back',
             onAccept: function () {
@@ -160,6 +194,8 @@ Vexa.structure = (function () {
         view.allow('save-cif', rules.saveProblem(state));
         Vexa.recent.render(busy);
         Vexa.card.render(state.structure);
+        view.element('structure-details').disabled =
+            !state.structure || !state.structure.summary || state.making;
         renderHint();
         view.stepState('step-structure', state.structure ? 'done' : 'now');
     }
@@ -181,7 +217,7 @@ Vexa.structure = (function () {
     }
 
     return {start: start, connected: connected, render: render, take: take, say: say,
-        choose: choose, takeDropped: takeDropped};
+        choose: choose, takeDropped: takeDropped, showDrag: showDrag};
 }());
 
 // Called by the window by this name: a path, or an empty text for anything but one local file.
@@ -193,5 +229,5 @@ function fileDropped(path) {
 // Called by the window by this name while something is dragged over it.
 function fileOver(isOver) {
     'use strict';
-    Vexa.view.element('page').setAttribute('data-drag', isOver ? 'over' : '');
+    Vexa.structure.showDrag(isOver);
 }

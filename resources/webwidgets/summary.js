@@ -70,18 +70,16 @@ Vexa.summary = (function () {
     // Gathers, as the handler of Vexa.cif.scan, what describe() tells. keepPoint(key, value) gets the
     // values of the names that pointNames has as properties, of the first structure only.
     function collector(pointNames, keepPoint) {
-        var blocks = 0;
+        var count = 0;
         var structures = 0;
-        var block = null;    // values of structure items in this block
-        var first = null;    // the first block of all
+        var blocks = [];      // each with values by name, texts, lists
+        var block = null;     // the one that is read
         var structure = null; // the first block that holds a structure
-        var texts = {};
-        var lists = {};
-        var signs = {};      // names that tell the kind
+        var signs = {};       // names that tell the kind
 
         function startBlock() {
-            block = {};
-            block.isStructure = false;
+            block = {isStructure: false, texts: {}, lists: {}};
+            blocks.push(block);
         }
 
         function noticeSign(name, key) {
@@ -122,14 +120,14 @@ Vexa.summary = (function () {
                 keepPoint(key, given);
             }
             if (listItems.indexOf(key) >= 0) {
-                lists[key] = lists[key] || [];
-                lists[key].push(given);
+                block.lists[key] = block.lists[key] || [];
+                block.lists[key].push(given);
             } else if (given !== null) {
                 if (structureSigns.indexOf(key) >= 0) {
                     markStructure();
                 }
-                if (textNames[key] && texts[key] === undefined) {
-                    texts[key] = given;
+                if (textNames[key] && block.texts[key] === undefined) {
+                    block.texts[key] = given;
                 }
                 if (structureNames[key] && block[key] === undefined) {
                     block[key] = given;
@@ -144,16 +142,30 @@ Vexa.summary = (function () {
             return signs.macromolecule ? 'macromolecule' : (signs.core ? 'small-molecule' : 'other');
         }
 
+        // What the structure's block says, else what a block without a structure does, else any: a
+        // title may be that of the whole study. Lists of several blocks are never joined.
+        function gathered(property) {
+            var sources = [structure].concat(blocks.filter(function (other) {
+                return !other.isStructure;
+            }), blocks);
+            return sources.filter(Boolean).reduce(function (result, source) {
+                Object.keys(source[property]).forEach(function (key) {
+                    result[key] = result[key] || source[property][key];
+                });
+                return result;
+            }, {});
+        }
+
         // complete: whether the whole file has been seen.
         function found(complete) {
             return {
-                blocks: blocks,
+                blocks: count,
                 structures: structures,
                 kind: kind(),
-                structure: structure || first || block,
+                structure: structure || blocks[Math.min(1, count)],
                 computed: Boolean(signs.computed),
-                texts: texts,
-                lists: lists,
+                texts: gathered('texts'),
+                lists: gathered('lists'),
                 complete: complete
             };
         }
@@ -161,9 +173,8 @@ Vexa.summary = (function () {
         startBlock();
         return {
             block: function () {
-                blocks += 1;
+                count += 1;
                 startBlock();
-                first = first || block;
             },
             wants: wants,
             value: value,
@@ -306,7 +317,7 @@ Vexa.summary = (function () {
     }
 
     // The outcome for people: kind and kindName; rows in their order, {label, value} with an empty
-    // value where something is missing; the card's lines title, identity and quality; missing, the
+    // value where something is missing; entry; the card's lines title, identity and quality; missing, the
     // labels of what is missing; blocks, structures and complete as found.
     function describe(found) {
         var rows = rowsOf(found);
@@ -323,6 +334,7 @@ Vexa.summary = (function () {
             rows: used.map(function (key) {
                 return rows[key];
             }),
+            entry: found.kind === 'scattering' ? rows.sasEntry.value : rows.entry.value,
             title: rows.title.value,
             identity: line(layout.identity),
             quality: line(layout.quality),

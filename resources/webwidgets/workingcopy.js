@@ -26,8 +26,12 @@ Vexa.workingCopy = (function () {
         var timer = null;
 
         function finish() {
-            var found = collector.found(complete && !reading.cutOff);
+            var found = collector.found(complete);
             var summary = Vexa.summary.describe(found);
+            summary.endsInText = complete && reading.cutOff;
+            // The program reads UTF-8 and drops carriage returns: other letters come out as U+FFFD,
+            // and a file with nothing but these at its line ends as one line.
+            summary.isChanged = text.indexOf('\ufffd') >= 0 || text.indexOf('\n') < 0;
             summary.drawing = Vexa.sketch.draw(found.kind, points.columns, numbersOf(found.structure));
             onSummary(summary);
         }

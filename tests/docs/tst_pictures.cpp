@@ -1,6 +1,6 @@
-// The user guide's pictures of the window, taken from the built program. In VEXA_PICTURES_FOLDER,
+// The documents' pictures of the window, taken from the built program. In VEXA_PICTURES_FOLDER,
 // if that is set (tools/take-pictures sets it); else they are only compared in size with those that
-// the guide has.
+// are there.
 #include "tests/endtoend/programrun.h"
 #include "tests/support/realinput.h"
 
@@ -85,13 +85,21 @@ void tst_Pictures::windowShows_data()
 {
     QTest::addColumn<QString>("script");
 
-    QTest::newRow("start") << "done();";
-    QTest::newRow("disk") << "chooseCif('FILE'); choose('journal', 'Journal Section C');"
+    const char* const disk = "chooseCif('FILE'); choose('journal', 'Journal Section C');"
                              "choose('category', 'research papers'); done();";
-    QTest::newRow("pdb") << "fetchCif('0VEX'); when(function () { return Vexa.state.structure; },"
-                            " function () { choose('journal', 'Journal Section D');"
-                            " choose('category', 'research papers'); done(); });";
-    QTest::newRow("scattering")
+    QTest::newRow("window-ready") << disk;
+    QTest::newRow("window-details")
+        << "fetchCif('0VEX'); when(function () { return Vexa.state.structure &&"
+           " Vexa.state.structure.summary; }, function () {"
+           " choose('journal', 'Journal Section D'); choose('category', 'research papers');"
+           " control('structure-details').click(); done(); });";
+    QTest::newRow("guide-start") << "done();";
+    QTest::newRow("guide-disk") << disk;
+    QTest::newRow("guide-pdb")
+        << "fetchCif('0VEX'); when(function () { return Vexa.state.structure; },"
+           " function () { choose('journal', 'Journal Section D');"
+           " choose('category', 'research papers'); done(); });";
+    QTest::newRow("guide-scattering")
         << "fetchCif('SASDVX1'); when(function () { return Vexa.state.structure; },"
            " function () { choose('journal', 'Journal Section D');"
            " choose('category', 'research papers');"
@@ -112,6 +120,8 @@ void tst_Pictures::windowShows()
     run.addToShippedPages(
         QString::fromLatin1(helpers).arg(script.replace(QLatin1String("FILE"), file)));
 
+    const bool isLarge = qstrncmp(QTest::currentDataTag(), "window", 6) == 0;
+    qputenv("QT_SCALE_FACTOR", isLarge ? "2" : "1");
     QVERIFY(run.start());
     const int window = run.waitForWindow();
     QVERIFY(window);
@@ -119,8 +129,7 @@ void tst_Pictures::windowShows()
     QImage picture;
     QVERIFY(waitUntilStill(window, picture));
 
-    const QString name =
-        QStringLiteral("guide-%1.png").arg(QString::fromLatin1(QTest::currentDataTag()));
+    const QString name = QString::fromLatin1(QTest::currentDataTag()) + QStringLiteral(".png");
     const QString folder = qEnvironmentVariable("VEXA_PICTURES_FOLDER");
     if (folder.isEmpty())
         QCOMPARE(picture.size(),

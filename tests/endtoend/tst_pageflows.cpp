@@ -207,11 +207,11 @@ void tst_PageFlows::aDroppedPicture()
     ProgramRun run;
     PageUser user(run);
     QVERIFY(user.start());
-    DragSource source({QUrl::fromLocalFile(VEXA_SOURCE_DIR "/docs/pictures/manuscript.png")});
+    DragSource source({QUrl::fromLocalFile(VEXA_SOURCE_DIR "/docs/pictures/manuscript-1.png")});
     source.show();
     QVERIFY(QTest::qWaitForWindowExposed(&source));
     QVERIFY(realinput::drag(source.mapToGlobal(QPoint(40, 40)), user.place("step-structure")));
-    QVERIFY(user.sees("structure-hint", "manuscript.png is not a CIF"));
+    QVERIFY(user.sees("structure-hint", "manuscript-1.png is not a CIF"));
 }
 
 void tst_PageFlows::aFileUsedBefore()

@@ -30,6 +30,7 @@ private slots:
     void aCifGivenAtStartIsTaken();
     void aManuscriptByCalls();
     void aManuscriptInAnAccentedHome();
+    void aSecondStartHandsItsFileOver();
     void aReadyMadeTemplate();
     void aFetchedManuscript();
 };
@@ -242,6 +243,36 @@ void tst_Program::aManuscriptInAnAccentedHome()
     QCOMPARE(script, sandbox::launchScript(run.inApp(QString()).chopped(1),
                                            run.local("webwidgets/tmptemp.html")));
     QVERIFY(script.contains("/Vexa W\xC3\x83\xC2\xB6rd/vexainkworks_wm.dotm\""));
+}
+
+void tst_Program::aSecondStartHandsItsFileOver()
+{
+    ProgramRun run;
+    run.setScript(QStringLiteral("fileDropped = function (path) { report(path); };"
+                                 " report('ready');"));
+    QVERIFY(run.start());
+    QVERIFY(run.waitForReports(1));
+
+    const auto startAgain = [&run](const QStringList& arguments) {
+        QProcess again;
+        again.setProcessEnvironment(run.program.processEnvironment());
+        again.start(run.inApp(QStringLiteral("vexaword")), arguments);
+        return QTest::qWaitFor([&] { return again.waitForFinished(0); }, 20000) &&
+               again.exitCode() == 0;
+    };
+    const QString odd = QStringLiteral("/a b/\u00e9\n%20.cif");
+    QVERIFY(startAgain({odd}));
+    QVERIFY(run.waitForReports(2));
+    QVERIFY(startAgain({})); // only brings the window to the front
+    QCOMPARE(run.reports(), QStringList({QStringLiteral("ready"), odd}));
+
+    // A program that was ended by force leaves its socket behind.
+    run.program.kill();
+    QVERIFY(run.program.waitForFinished());
+    QVERIFY(run.start());
+    QVERIFY(run.waitForReports(3));
+    QVERIFY(startAgain({odd}));
+    QVERIFY(run.waitForReports(4));
 }
 
 void tst_Program::aReadyMadeTemplate()

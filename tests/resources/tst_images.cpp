@@ -68,6 +68,7 @@ class TestImages : public QObject
 
 private slots:
     void bundleHoldsTheFifteenPictures();
+    void everyPictureIsThereWithTwiceAsManyDots();
     void everyPictureIsAPngOfTitleRowSize_data();
     void everyPictureIsAPngOfTitleRowSize();
     void normalPictureIsLegibleOnTheFrame_data();
@@ -83,6 +84,14 @@ void TestImages::bundleHoldsTheFifteenPictures()
     found.sort();
     QCOMPARE(found, allPictures());
     QCOMPARE(found.size(), 15);
+}
+
+void TestImages::everyPictureIsThereWithTwiceAsManyDots()
+{
+    for (const QString& name : allPictures()) {
+        const QString fine = ":/fine/" + QString(name).replace(".png", "@2x.png");
+        QVERIFY2(QImageReader(fine).size() == QSize(36, 36), qPrintable(fine));
+    }
 }
 
 void TestImages::everyPictureIsAPngOfTitleRowSize_data()

@@ -62,6 +62,10 @@ private slots:
     void anythingElseIsRefusedWithAWord();
     void fileGivenAtTheStartIsTaken();
     void dropsWaitForWhatIsGoingOn();
+    void aFileThatCannotBeCopiedKeepsItsPlace();
+    void aChangedCopyIsNotWrittenBack_data();
+    void aChangedCopyIsNotWrittenBack();
+    void aCutOffFileIsNoticed();
     void closedDialogChangesNothingButTheWritingBack();
     void writingBackAsksFirst();
     void writingBackSaysWhatHappened_data();
@@ -90,6 +94,7 @@ private slots:
     void tabVisitsWhatCanActInOrder();
     void everythingWorksByKeyboardAlone();
     void listsOpenByMouse();
+    void listsOpenByKey();
     void quitIsAlwaysInReach();
 
     void setUpReportIsShownWhereItHelps_data();
@@ -417,7 +422,7 @@ void TestPage::recentFilesAreOffered()
     page.press(Qt::Key_Down);
     page.press(Qt::Key_Return);
     QCOMPARE(page.program.calls, QStringList("setCif(/home/anna/cifs/3.cif)"));
-    QVERIFY(page.text("structure-hint").startsWith("3.cif cannot be read any more"));
+    QTRY_VERIFY(page.text("structure-hint").startsWith("3.cif cannot be read any more"));
     QCOMPARE(page.text("structure-name"), QString("6.cif"));
     QVERIFY(!page.isEnabled("save-cif"));
     page.press(Qt::Key_Space);
@@ -522,8 +527,8 @@ void TestPage::anythingElseIsRefusedWithAWord_data()
                                    << "Only a CIF can be dropped here, one at a time.";
     QTest::newRow("text") << VEXA_SOURCE_DIR "/LICENSE"
                           << "LICENSE is not a CIF";
-    QTest::newRow("picture") << VEXA_SOURCE_DIR "/docs/pictures/manuscript.png"
-                             << "manuscript.png is not a CIF";
+    QTest::newRow("picture") << VEXA_SOURCE_DIR "/docs/pictures/manuscript-1.png"
+                             << "manuscript-1.png is not a CIF";
     QTest::newRow("folder") << VEXA_SOURCE_DIR "/docs"
                             << "docs ";
     QTest::newRow("missing") << "/nowhere/x.cif"
@@ -565,13 +570,64 @@ void TestPage::dropsWaitForWhatIsGoingOn()
     fetch("5i55");
     page.program.calls.clear();
     page.drop(cif);
-    QVERIFY(page.text("structure-hint").contains("still waiting for 5i55"));
+    QCOMPARE(page.text("structure-hint"), QString("Not taken: Waiting for 5i55."));
+    page.evaluate("fileOver(true)");
+    QCOMPARE(page.element("page").attribute("data-drag"), QString());
     page.click("stop-waiting");
     page.press(Qt::Key_F1);
     page.drop(cif);
+    QCOMPARE(page.text("structure-hint"), QString("Not taken: Close this first."));
     page.drop(QString());
-    QTest::qWait(100); // for what must not happen
     QCOMPARE(page.program.calls, QStringList());
+}
+
+// A file that can be read, and a program that could not copy it.
+void TestPage::aFileThatCannotBeCopiedKeepsItsPlace()
+{
+    PageWindow& page = open();
+    QTemporaryDir folder;
+    page.rememberIn(folder.filePath("memory"));
+    const QString cif = VEXA_SOURCE_DIR "/examples/macromolecule.cif";
+    takeCif(cif);
+    takeCif("/home/anna/other.cif");
+    page.program.onSetCif = [] { return QString(); };
+    page.drop(cif);
+    QTRY_VERIFY(page.text("structure-hint").startsWith("macromolecule.cif could not be copied."));
+    page.click("recent");
+    page.press(Qt::Key_Down);
+    page.press(Qt::Key_Return);
+    QVERIFY(page.text("structure-hint").startsWith("macromolecule.cif could not be copied."));
+    page.drop("/nowhere/x.cif"); // read later than the other
+    QTRY_VERIFY(page.text("structure-hint").startsWith("x.cif cannot be read"));
+    page.click("recent");
+    QCOMPARE(page.element("recent-menu").findAll(".item").count(), 2);
+}
+
+void TestPage::aChangedCopyIsNotWrittenBack_data()
+{
+    QTest::addColumn<QByteArray>("copy");
+    QTest::newRow("letters of another encoding")
+        << QByteArray("data_x\n_cell_length_a 1\n# Carb\xEF\xBF\xBD\n");
+    QTest::newRow("no line ends") << QByteArray("data_x_cell_length_a 1_cell_length_b 2");
+}
+
+void TestPage::aChangedCopyIsNotWrittenBack()
+{
+    QFETCH(QByteArray, copy);
+    PageWindow& page = open();
+    takeCif(path, copy);
+    QTRY_VERIFY(!page.isEnabled("save-cif"));
+    QVERIFY(page.element("save-cif").attribute("title").contains("lost in the copy"));
+    takeCif(path, "data_x\n_cell_length_a 1\n# Carb\xC3\xB3\n");
+    QTRY_VERIFY(page.isEnabled("structure-details"));
+    QVERIFY(page.isEnabled("save-cif"));
+}
+
+void TestPage::aCutOffFileIsNoticed()
+{
+    PageWindow& page = open();
+    takeCif(path, "data_x\n_cell_length_a 1\n_publ_section_title\n;\nA title\n");
+    QTRY_VERIFY(page.text("structure-note").startsWith("The file ends inside a text"));
 }
 
 void TestPage::closedDialogChangesNothingButTheWritingBack()
@@ -812,6 +868,19 @@ void TestPage::answersOfTwoFetchesAreNotMixedUp()
     fetch("3uvw");
     respond("OK");
     QCOMPARE(page.text("structure-name"), QString("3uvw"));
+
+    // Asked for twice, and with another: the entry says which it is.
+    for (const char* code : {"1abc", "0vex", "0vex"}) {
+        fetch(code);
+        page.click("stop-waiting");
+        page.element("identifier").evaluateJavaScript("this.value = ''");
+    }
+    page.setWorkingCopy(example("macromolecule.cif"));
+    respond("OK");
+    QTRY_COMPARE(page.text("structure-name"), QString("0vex"));
+    fetch("2xyz");
+    respond("Failed to retrieve mmCIF from PDB");
+    QVERIFY(page.text("structure-hint").contains("came back for 1abc or 0vex or 2xyz."));
 }
 
 void TestPage::longWaitIsMentioned()
@@ -838,6 +907,14 @@ void TestPage::scatteringEntrySuggestsAScatteringArticle()
 
     page.click("sas");
     QVERIFY(page.text("manuscript-hint").contains("no SAS article"));
+    takeCif("mmCIF: " + path);
+    fetch("SASDA52");
+    respond("OK");
+    QVERIFY(page.element("sas").evaluateJavaScript("this.checked").toBool());
+    takeCif("mmCIF: " + path); // what was suggested is not wanted for everything
+    QVERIFY(!page.element("sas").evaluateJavaScript("this.checked").toBool());
+    fetch("SASDA52");
+    respond("OK");
     page.choose("journal", "Journal Section C");
     QCOMPARE(page.element("manuscript-hint").attribute("data-kind"), QString("doubt"));
 }
@@ -999,9 +1076,9 @@ void TestPage::pageStaysAliveWhileTheManuscriptIsMade()
     QVERIFY(veiled);
     QVERIFY(quitWorks);
     QVERIFY(othersRest);
-    QVERIFY(texts.first().startsWith("quillet is reading 5i55.cif."));
+    QVERIFY(texts.first().startsWith(QString::fromUtf8("Reading 5i55.cif…")));
     QVERIFY(!texts.first().contains("so far"));
-    QVERIFY2(texts.last().contains("3 s so far"), qPrintable(texts.last()));
+    QVERIFY2(texts.last().contains("3 s."), qPrintable(texts.last()));
     QCOMPARE(page.program.calls,
              QStringList({"createWordTemplate(, Journal Section D, research papers, )", "quit()"}));
     QVERIFY(!page.isVisible("making"));
@@ -1103,9 +1180,27 @@ void TestPage::listsOpenByMouse()
     QVERIFY(page.isEnabled("category"));
 }
 
+void TestPage::listsOpenByKey()
+{
+    PageWindow& page = open();
+    page.focus("journal");
+    page.press(Qt::Key_Return);
+    QTRY_VERIFY(QApplication::activePopupWidget());
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    QTRY_VERIFY(!QApplication::activePopupWidget());
+    page.press(Qt::Key_Down, Qt::AltModifier);
+    QTRY_VERIFY(QApplication::activePopupWidget());
+    QApplication::activePopupWidget()->close();
+}
+
 void TestPage::quitIsAlwaysInReach()
 {
     PageWindow& page = open();
+    page.press(Qt::Key_F1);
+    page.press(Qt::Key_Q, Qt::ControlModifier);
+    QCOMPARE(page.program.calls, QStringList("quit()"));
+    page.press(Qt::Key_Escape);
+    page.program.calls.clear();
     fetch("5i55");
     page.click("quit");
     page.click("stop-waiting");
@@ -1137,7 +1232,7 @@ void TestPage::setUpReportIsShownWhereItHelps_data()
                                    "<br />ERROR: unable to create local Word2016 AppleScript "
                                    "resources: " +
                                    script
-                            << "The folder for your templates could not be made."
+                            << "Your own folder of templates could not be made."
                             << QStringList(
                                    {"ERROR: unable to create local resources folder: " + folder,
                                     "ERROR: unable to create local Word2016 AppleScript "
