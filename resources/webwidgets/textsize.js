@@ -12,7 +12,7 @@ Vexa.textSize = (function () {
         var page = document.documentElement;
         page.style.fontSize = size + 'px';
         document.body.className =
-            (window.innerWidth / size < 33 ? 'narrow ' : '') +
+            (window.innerWidth / size < 36 ? 'narrow ' : '') +
             (window.innerHeight / size < 24 ? 'low' : '');
         Vexa.card.repaint();
     }
