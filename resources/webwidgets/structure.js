@@ -150,9 +150,9 @@ Vexa.structure = (function () {
         Vexa.dialog.open({
             title: 'Write back to ' + structure.name + '?',
             lines: [
-                structure.path,
                 'What the file holds now is replaced by the copy that Vexa Word works on, ' +
-                    'in UTF-8 and with Unix line ends.'
+                    'in UTF-8 and with Unix line ends:',
+                structure.path
             ],
             accept: 'Write back',
             onAccept: function () {
