@@ -48,6 +48,7 @@ private slots:
     void initTestCase_data();
     void aManuscriptOfOnesOwnCif();
     void aManuscriptOfAnEntry();
+    void aScatteringEntry();
     void anEntryThatDoesNotExist();
     void aWaitThatIsGivenUp();
     void aDroppedCif();
@@ -144,6 +145,29 @@ void tst_PageFlows::aManuscriptOfAnEntry()
     QVERIFY(use(user, "make-manuscript"));
     QCOMPARE(run.exitCode(), 0);
     QVERIFY(run.quilletCalls().value(0).contains("<-htmmo6>"));
+}
+
+void tst_PageFlows::aScatteringEntry()
+{
+    ProgramRun run;
+    run.setQuillet("printf '<p>x</p>'");
+    run.setOsascript(QString());
+    run.net.answer(
+        "http://" VEXAWORD_WIDGET_HOST "/widgets/cifmol/getcif.php?type=sascif&artid=SASDVX1",
+        LoopbackProxy::page(sandbox::readFile(VEXA_SOURCE_DIR "/examples/scattering.cif")));
+    PageUser user(run);
+    QVERIFY(user.start());
+    QVERIFY(isMouse() ? user.click("identifier") : user.tabTo("identifier"));
+    QVERIFY(user.type("sasdvx1"));
+    QVERIFY(isMouse() ? user.click("fetch-cif") : user.press("Return"));
+    QVERIFY(user.sees("structure-kind", "Scattering"));
+    QVERIFY(use(user, "structure-details"));
+    QVERIFY(user.sees("dialog-text", "fetched as SASDVX1"));
+    QVERIFY(use(user, "dialog-accept"));
+    QVERIFY(choose(user, "journal", "Journal Section D", "Journal Section D"));
+    QVERIFY(use(user, "make-manuscript"));
+    QCOMPARE(run.exitCode(), 0);
+    QVERIFY(run.quilletCalls().value(0).contains("<-sas>"));
 }
 
 void tst_PageFlows::anEntryThatDoesNotExist()
