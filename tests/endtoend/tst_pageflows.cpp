@@ -338,7 +338,7 @@ void tst_PageFlows::quilletThatTakesItsTime()
     QVERIFY(takeCif(user, cif));
     QVERIFY(choose(user, "journal", "Journal Section C", "Journal Section C"));
     QVERIFY(use(user, "make-manuscript"));
-    QVERIFY(user.sees("making-text", "s so far"));
+    QVERIFY(user.sees("making-text", " s. "));
     QVERIFY(!user.isEnabled("make-manuscript"));
     QCOMPARE(run.exitCode(), 0);
     QCOMPARE(run.quilletCalls().size(), 1);
