@@ -8,6 +8,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFileOpenEvent>
 #include <QMetaMethod>
@@ -79,6 +80,7 @@ private slots:
     void thePageRemembers();
     void screenReadersLearnWhatTheWindowIs();
     void aFileToBeginWithIsGivenToThePageOnce();
+    void theFileOfASecondStartIsTakenOver();
     void aFileThatTheFinderOpensIsGivenToThePage();
     void incompleteCopyFallsBackToTheProgramsResources();
     void nothingAnywhereStillStarts();
@@ -268,6 +270,31 @@ void tst_Application::aFileToBeginWithIsGivenToThePageOnce()
     QCOMPARE(evaluate(application, QStringLiteral("dropped.length")).toInt(), 0);
     application.quit();
     application.openFile(QStringLiteral("/tmp/late.cif"));
+}
+
+void tst_Application::theFileOfASecondStartIsTakenOver()
+{
+    sandbox->setPage(QStringLiteral("<script>var dropped = []; "
+                                    "function fileDropped(path) { dropped.push(path); }</script>"));
+    Application application;
+    QVERIFY(waitForPage(application));
+    application.mainWindow->showMinimized();
+    QVERIFY(application.takeOverFrom(QString()));
+    QVERIFY(!application.mainWindow->isMinimized());
+
+    // Not while the page waits for a dialog.
+    QDialog dialog;
+    dialog.setModal(true);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(application.takeOverFrom(QStringLiteral("/tmp/second.cif")));
+    QCOMPARE(evaluate(application, QStringLiteral("dropped.length")).toInt(), 0);
+    dialog.close();
+    QTRY_COMPARE(evaluate(application, QStringLiteral("dropped.join('|')")).toString(),
+                 QStringLiteral("/tmp/second.cif"));
+
+    application.quit();
+    QVERIFY(!application.takeOverFrom(QStringLiteral("/tmp/late.cif")));
 }
 
 void tst_Application::aFileThatTheFinderOpensIsGivenToThePage()

@@ -116,6 +116,7 @@ private slots:
     void painting_data();
     void painting();
     void whatIsTransparentIsNeverBlack();
+    void aPictureOfAHiddenWindowIsTransparentToo();
     void thePageShowsOverTheGradient();
     void edgesShowTheirCursor_data();
     void edgesShowTheirCursor();
@@ -318,6 +319,14 @@ void tst_WebWidget::whatIsTransparentIsNeverBlack()
     const QColor shadow(seenAt(w - 2, h / 2));
     QVERIFY2(hasCompositor ? shadow.green() > shadow.red() + 100 : shadow.red() > 192,
              qPrintable(shadow.name()));
+}
+
+void tst_WebWidget::aPictureOfAHiddenWindowIsTransparentToo()
+{
+    auto window = makeWindow(QStringLiteral("transparent opacity shadow"));
+    const QImage image = window->grab().toImage();
+    QCOMPARE(image.pixelColor(image.width() - 1, 0).alpha(), 0);
+    QVERIFY(image.pixelColor(image.width() / 2, 10).alpha() > 200);
 }
 
 void tst_WebWidget::thePageShowsOverTheGradient()

@@ -13,6 +13,7 @@ class tst_WebwidgetToolButton : public QObject
 private slots:
     void initTestCase();
     void theHoverImageDecidesTheSize();
+    void thePictureHasTheDotsOfTheDisplay();
     void aMissingHoverImageGivesNoSize();
     void thePointerSwapsTheImage();
     void aClickEmitsAndShowsTheNormalImage();
@@ -58,6 +59,19 @@ void tst_WebwidgetToolButton::theHoverImageDecidesTheSize()
     QCOMPARE(button.sizePolicy(), QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed));
     QVERIFY(button.testAttribute(Qt::WA_NoMousePropagation));
     QCOMPARE(shown(button), Qt::blue);
+}
+
+void tst_WebwidgetToolButton::thePictureHasTheDotsOfTheDisplay()
+{
+    const bool isFine = qGuiApp->devicePixelRatio() > 1;
+    const webwidgetToolButton button(QStringLiteral(":/images/closea.png"),
+                                     QStringLiteral(":/images/close.png"), nullptr);
+    QCOMPARE(button.maximumSize(), QSize(18, 18));
+    QCOMPARE(button.pixmap(Qt::ReturnByValue).width(), isFine ? 36 : 18);
+
+    // A picture that is not the program's.
+    const QString path = image(QStringLiteral("own.png"), QSize(7, 9), Qt::red);
+    QCOMPARE(webwidgetToolButton(path, path, nullptr).maximumSize(), QSize(7, 9));
 }
 
 void tst_WebwidgetToolButton::aMissingHoverImageGivesNoSize()
