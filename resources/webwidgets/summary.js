@@ -70,9 +70,8 @@ Vexa.summary = (function () {
     // Gathers, as the handler of Vexa.cif.scan, what describe() tells. keepPoint(key, value) gets the
     // values of the names that pointNames has as properties, of the first structure only.
     function collector(pointNames, keepPoint) {
-        var count = 0;
         var structures = 0;
-        var blocks = [];      // each with values by name, texts, lists
+        var blocks = [];      // what stands before the first, then each: values by name, texts, lists
         var block = null;     // the one that is read
         var structure = null; // the first block that holds a structure
         var signs = {};       // names that tell the kind
@@ -159,10 +158,10 @@ Vexa.summary = (function () {
         // complete: whether the whole file has been seen.
         function found(complete) {
             return {
-                blocks: count,
+                blocks: blocks.length - 1,
                 structures: structures,
                 kind: kind(),
-                structure: structure || blocks[Math.min(1, count)],
+                structure: structure || blocks[1] || blocks[0],
                 computed: Boolean(signs.computed),
                 texts: gathered('texts'),
                 lists: gathered('lists'),
@@ -172,10 +171,7 @@ Vexa.summary = (function () {
 
         startBlock();
         return {
-            block: function () {
-                count += 1;
-                startBlock();
-            },
+            block: startBlock,
             wants: wants,
             value: value,
             found: found
